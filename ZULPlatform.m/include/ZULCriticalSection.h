@@ -1,0 +1,30 @@
+#ifndef ZULCriticalSection_h
+#define ZULCriticalSection_h
+
+#include <atomic>
+#include <mutex>
+#include <thread>
+
+#include "ZULPlatformExport.h"
+
+/// A lock that is not recursive and says so: the owner's second lock() throws std::system_error with
+/// std::errc::resource_deadlock_would_occur instead of waiting for itself. Meets the standard Lockable
+/// requirements.
+class ZULPlatform_API ZULCriticalSection
+{
+public:
+    ZULCriticalSection() = default;
+    ZULCriticalSection(const ZULCriticalSection&) = delete;
+    ZULCriticalSection& operator=(const ZULCriticalSection&) = delete;
+
+    void lock();
+    /// False when any thread, the caller included, holds the lock.
+    bool try_lock();
+    void unlock();
+
+private:
+    std::mutex m_Mutex;
+    std::atomic<std::thread::id> m_Owner{};
+};
+
+#endif

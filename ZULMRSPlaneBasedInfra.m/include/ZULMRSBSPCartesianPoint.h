@@ -1,0 +1,39 @@
+#ifndef ZULMRSBSPCartesianPoint_h
+#define ZULMRSBSPCartesianPoint_h
+
+#include "ZULMRSBSPPoint.h"
+
+/// A point with exact coordinates besides its planes. That it lies on them is not checked.
+class ZULMRSPlaneBasedInfra_API ZULMRSBSPCartesianPoint : public ZULMRSBSPPoint
+{
+public:
+    /// Makes and solely owns the three axis-parallel planes through the point.
+    explicit ZULMRSBSPCartesianPoint(const ZULMathPoint& coordinates);
+    /// Orients the triple by the exact sign of the normals' determinant; dependent normals are accepted.
+    ZULMRSBSPCartesianPoint(const std::array<ZULMRSBSPPlane*, 3>& planes,
+                            const std::array<double, 3>& coordinates);
+    ZULMRSBSPCartesianPoint(ZULMRSBSPPlane* p1, ZULMRSBSPPlane* p2, ZULMRSBSPPlane* p3,
+                            const ZULMathPoint& coordinates);
+    /// Shallow, as ZULMRSBSPPoint's.
+    ZULMRSBSPCartesianPoint(const ZULMRSBSPCartesianPoint& other);
+    ZULMRSBSPCartesianPoint& operator=(const ZULMRSBSPCartesianPoint& other);
+
+    ZULMRSBSPPointType GetType() const override;
+    /// The representations are new arrays (x, y, z, 1); (null, false) when memory is exhausted.
+    ZULMRSBSPQuadruple<ZULExpDynamic> GetCartesianRepresentation_ExpDynamic() const override;
+    ZULMRSBSPQuadruple<ZULExpInterval> GetCartesianRepresentation_ExpInterval() const override;
+    ZULMRSBSPQuadruple<ZULExpFloatRingExtensionTS> GetCartesianRepresentation_FloatRing() const override;
+    /// A new array (x, y, z, 0).
+    ZULMRSBSPQuadruple<double> GetApproximatedXYZError() const override;
+    ZULMathPoint GetApproximatedPoint() const override;
+    std::array<double, 3> GetApproximatedXYZ() const override;
+    bool ReplacePlaneByEquivalentPlane(ZULMRSBSPPlane* newPlane, ZULMRSBSPPlane* oldPlane) override;
+    ~ZULMRSBSPCartesianPoint() override;
+
+private:
+    void Orient();
+
+    std::array<double, 3> m_Coordinates;
+};
+
+#endif

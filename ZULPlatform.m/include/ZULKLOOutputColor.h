@@ -8,7 +8,8 @@ class ZULPlatform_API ZULKLOOutputColor
 {
 public:
     /// The control string that sets the text colour (7 default, 12 red, 13 magenta, 14 yellow, 0 to 15 in
-    /// general) on the given background (0: the terminal's own). Empty unless the stream goes to a terminal.
+    /// general) on the given background (0: the terminal's own). Empty for any other number, and unless the
+    /// stream goes to a terminal.
     /// The string has static storage.
     static const char* SetTextColor(int color, int background);
 };

@@ -16,7 +16,7 @@
 
 /// Caller data carried by a polygon and copied by value; the library never interprets it.
 struct ZULMRSBSPExtraAttribute {
-    std::array<unchar, 4> m_Bytes{{0, 0, 0, 0}};
+    std::array<unsigned char, 4> m_Bytes{{0, 0, 0, 0}};
     std::int32_t m_Index = -1;
 };
 

@@ -9,24 +9,35 @@
 
 /// A signed integer of any size. Small ones live inside the object; only beyond InlineLimbs limbs is the heap
 /// used (std::bad_alloc when it is exhausted). A value type; distinct objects may be used from distinct
-/// threads.
+/// threads. An object that was moved from is zero.
 class ZULPlatform_API ZULExpBigIntegerTS
 {
 public:
-    /// Inline room, in 64-bit limbs: enough for the exact stage of a side-of-plane test on ordinary doubles.
-    static constexpr std::size_t InlineLimbs = 8;
+    /// Inline room, in 64-bit limbs: enough for the exact stage of a side-of-plane test whose planes are
+    /// given by ordinary coordinates, three points each (some 11 limbs), and for its products in the making.
+    static constexpr std::size_t InlineLimbs = 14;
 
-    ZULExpBigIntegerTS() noexcept;
+    ZULExpBigIntegerTS() noexcept : m_Capacity(InlineLimbs), m_SignedSize(0) {}
     explicit ZULExpBigIntegerTS(std::int64_t value) noexcept;
     ZULExpBigIntegerTS(const ZULExpBigIntegerTS& other);
-    ZULExpBigIntegerTS(ZULExpBigIntegerTS&& other) noexcept;
+    ZULExpBigIntegerTS(ZULExpBigIntegerTS&& other) noexcept : m_Capacity(InlineLimbs), m_SignedSize(0)
+    {
+        TakeFrom(other);
+    }
     ZULExpBigIntegerTS& operator=(const ZULExpBigIntegerTS& other);
-    ZULExpBigIntegerTS& operator=(ZULExpBigIntegerTS&& other) noexcept;
-    ~ZULExpBigIntegerTS();
+    ZULExpBigIntegerTS& operator=(ZULExpBigIntegerTS&& other) noexcept
+    {
+        if (this != &other) {
+            FreeHeap();
+            TakeFrom(other);
+        }
+        return *this;
+    }
+    ~ZULExpBigIntegerTS() { FreeHeap(); }
 
     /// -1, 0 or 1; always certain.
-    ZULExpSign_t Sign() const noexcept;
-    bool IsZero() const noexcept { return Sign() == 0; }
+    ZULExpSign_t Sign() const noexcept { return (m_SignedSize > 0 ? 1 : 0) - (m_SignedSize < 0 ? 1 : 0); }
+    bool IsZero() const noexcept { return m_SignedSize == 0; }
 
     /// Number of bits of the magnitude; 0 for zero.
     std::size_t GetBitLength() const noexcept;
@@ -48,14 +59,63 @@ public:
     friend ZULPlatform_API int Compare(const ZULExpBigIntegerTS& x, const ZULExpBigIntegerTS& y) noexcept;
 
     /// The magnitude as mantissa x 2^exponent with the mantissa in [0.5, 1), rounded to nearest even (exact
-    /// up to 53 bits); zero gives 0 and exponent 0. The sign is not part of it.
+    /// up to 53 bits); zero gives 0 and exponent 0. The sign is not part of it. In any rounding mode; raises
+    /// no flag.
     void ConvertToDouble(double& mantissa, std::int64_t& exponent) const noexcept;
 
 private:
     friend class ZULExpFloatRingExtensionTS;
 
-    std::uint64_t m_Inline[InlineLimbs];
-    std::uint64_t* m_Limbs;  // m_Inline or the heap, least significant limb first
+    std::size_t Size() const noexcept
+    {
+        return static_cast<std::size_t>(m_SignedSize < 0 ? -m_SignedSize : m_SignedSize);
+    }
+    const std::uint64_t* Limbs() const noexcept { return m_Capacity > InlineLimbs ? m_Heap : m_Inline; }
+    std::uint64_t* Limbs() noexcept { return m_Capacity > InlineLimbs ? m_Heap : m_Inline; }
+
+    // Room for that many limbs in a number that has none on the heap yet; what was in it is lost.
+    std::uint64_t* MakeRoom(std::size_t limbs);
+    // Sets the size, without the zero limbs at the top.
+    void SetSize(std::size_t size, bool isNegative) noexcept;
+    // Into a number that is zero and is neither x nor y: x * 2^shift + y, or - y.
+    void SetShiftedSum(const ZULExpBigIntegerTS& x, std::uint64_t shift, const ZULExpBigIntegerTS& y,
+                       bool isYNegated);
+    void SetProduct(const ZULExpBigIntegerTS& x, const ZULExpBigIntegerTS& y);
+    void SetShiftedLeft(const ZULExpBigIntegerTS& x, std::uint64_t shift);
+    void SetMagnitude(std::uint64_t magnitude, bool isNegative) noexcept;
+    // Takes the zero limbs off the low end; returns how many.
+    std::size_t DropLowZeroLimbs() noexcept;
+    // The highest bits of the magnitude, as many as asked for (at most 64), rounded to nearest even. May be
+    // 2^bits.
+    std::uint64_t RoundedTop(std::size_t bits) const noexcept;
+
+    void FreeHeap() noexcept
+    {
+        if (m_Capacity > InlineLimbs) {
+            delete[] m_Heap;
+        }
+    }
+    // Leaves other zero; the own heap block must have been freed.
+    void TakeFrom(ZULExpBigIntegerTS& other) noexcept
+    {
+        m_Capacity = other.m_Capacity;
+        m_SignedSize = other.m_SignedSize;
+        if (m_Capacity > InlineLimbs) {
+            m_Heap = other.m_Heap;
+        } else {
+            for (std::size_t i = 0, size = Size(); i < size; ++i) {
+                m_Inline[i] = other.m_Inline[i];
+            }
+        }
+        other.m_Capacity = InlineLimbs;
+        other.m_SignedSize = 0;
+    }
+
+    // Least significant limb first, no zero limb at the top.
+    union {
+        std::uint64_t m_Inline[InlineLimbs];
+        std::uint64_t* m_Heap;  // when m_Capacity > InlineLimbs
+    };
     std::uint32_t m_Capacity;
     std::int32_t m_SignedSize;  // limbs in use, negative for a negative number
 };

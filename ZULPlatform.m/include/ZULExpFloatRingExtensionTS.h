@@ -2,6 +2,7 @@
 #define ZULExpFloatRingExtensionTS_h
 
 #include <cstdint>
+#include <utility>
 
 #include "ZULExpBigIntegerTS.h"
 #include "ZULExpSign.h"
@@ -9,8 +10,9 @@
 
 /// An exact number: an integer times a power of two. Sums, differences and products are exact, signs always
 /// certain. Any finite double converts exactly, denormals included, and raises no floating-point flag. A
-/// value that is not finite counts as zero and raises the overflow flag (_statusfp). A value type; distinct
-/// objects may be used from distinct threads.
+/// value that is not finite counts as zero and raises the overflow flag (_statusfp). Exponents have 64 bits:
+/// a number beyond that throws std::overflow_error, one that does not fit into memory std::bad_alloc. A value
+/// type; distinct objects may be used from distinct threads.
 class ZULPlatform_API ZULExpFloatRingExtensionTS
 {
 public:
@@ -19,18 +21,31 @@ public:
         double value) noexcept;  // NOLINT(google-explicit-constructor): one formula for all numbers
 
     ZULExpSign_t Sign() const noexcept { return m_Integer.Sign(); }
-    bool IsZero() const noexcept { return m_Integer.Sign() == 0; }
+    bool IsZero() const noexcept { return m_Integer.IsZero(); }
     /// True for a number greater than zero.
     bool IsPositive() const noexcept { return m_Integer.Sign() > 0; }
 
-    /// The nearest double (ties to even; infinite when too large; gradual underflow). Any rounding mode.
+    /// The nearest double (ties to even; infinite when too large; gradual underflow). In any rounding mode;
+    /// raises no flag.
     double Estimate() const noexcept;
 
+    /// The number is GetInteger() * 2^GetExponent(). The exponent of zero is 0.
     const ZULExpBigIntegerTS& GetInteger() const noexcept { return m_Integer; }
     std::int64_t GetExponent() const noexcept { return m_Exponent; }
 
     ZULExpFloatRingExtensionTS operator-() const;
-    ZULExpFloatRingExtensionTS& operator+=(const ZULExpFloatRingExtensionTS& other);
+    ZULExpFloatRingExtensionTS& operator+=(const ZULExpFloatRingExtensionTS& other)
+    {
+        return *this = *this + other;
+    }
+    ZULExpFloatRingExtensionTS& operator-=(const ZULExpFloatRingExtensionTS& other)
+    {
+        return *this = *this - other;
+    }
+    ZULExpFloatRingExtensionTS& operator*=(const ZULExpFloatRingExtensionTS& other)
+    {
+        return *this = *this * other;
+    }
     friend ZULPlatform_API ZULExpFloatRingExtensionTS operator+(const ZULExpFloatRingExtensionTS& x,
                                                                 const ZULExpFloatRingExtensionTS& y);
     friend ZULPlatform_API ZULExpFloatRingExtensionTS operator-(const ZULExpFloatRingExtensionTS& x,
@@ -39,6 +54,11 @@ public:
                                                                 const ZULExpFloatRingExtensionTS& y);
 
 private:
+    void SetSum(const ZULExpFloatRingExtensionTS& x, const ZULExpFloatRingExtensionTS& y, bool isYNegated);
+    void SetProduct(const ZULExpFloatRingExtensionTS& x, const ZULExpFloatRingExtensionTS& y);
+    // Drops low zero limbs, so that numbers stay short.
+    void Normalize();
+
     ZULExpBigIntegerTS m_Integer;
     std::int64_t m_Exponent = 0;
 };

@@ -2,9 +2,10 @@
 #define ZULExpFloatStatus_h
 
 // The only file that knows the processor: its control and status word, its vector registers, its pause hint.
-// Everything here acts on the calling thread alone.
+// Everything here acts on the calling thread alone. ZUL_FORCE_PORTABLE selects the code for other processors,
+// for tests: it changes the layout of intervals, so all of a program must be built alike.
 
-#if defined(__SSE2__) || defined(_M_X64)
+#if defined(__SSE2__) && !defined(ZUL_FORCE_PORTABLE)
 #define ZUL_HAS_SSE2 1
 #include <emmintrin.h>
 #else
@@ -71,6 +72,75 @@ inline void ClearStatus()
 {
     WriteControlWord(ReadControlWord() & ~StatusFlags);
 }
+/// Raises the overflow flag without a trap, even where the caller has unmasked it.
+inline void RaiseOverflow()
+{
+    WriteControlWord(ReadControlWord() | 0x08U);
+}
+
+/// Two doubles that are computed together. The operations work on each of the two by itself.
+using DoublePair = __m128d;
+
+inline DoublePair MakePair(double first, double second)
+{
+    return _mm_set_pd(second, first);
+}
+inline double First(DoublePair x)
+{
+    return _mm_cvtsd_f64(x);
+}
+inline double Second(DoublePair x)
+{
+    return _mm_cvtsd_f64(_mm_unpackhi_pd(x, x));
+}
+inline DoublePair BothFirst(DoublePair x)
+{
+    return _mm_unpacklo_pd(x, x);
+}
+inline DoublePair BothSecond(DoublePair x)
+{
+    return _mm_unpackhi_pd(x, x);
+}
+inline DoublePair Exchanged(DoublePair x)
+{
+    return _mm_shuffle_pd(x, x, 1);
+}
+inline DoublePair Negated(DoublePair x)
+{
+    return _mm_xor_pd(x, _mm_set1_pd(-0.0));
+}
+inline DoublePair Sum(DoublePair x, DoublePair y)
+{
+    return _mm_add_pd(x, y);
+}
+inline DoublePair Product(DoublePair x, DoublePair y)
+{
+    return _mm_mul_pd(x, y);
+}
+inline DoublePair Quotient(DoublePair x, DoublePair y)
+{
+    return _mm_div_pd(x, y);
+}
+/// The greater one; without meaning where either is NaN.
+inline DoublePair Maximum(DoublePair x, DoublePair y)
+{
+    return _mm_max_pd(x, y);
+}
+/// Where x >= 0, the first choice, else (NaN included) the second.
+inline DoublePair ChooseBySign(DoublePair x, DoublePair ifNotNegative, DoublePair otherwise)
+{
+    const __m128d mask = _mm_cmpge_pd(x, _mm_setzero_pd());
+    return _mm_or_pd(_mm_and_pd(mask, ifNotNegative), _mm_andnot_pd(mask, otherwise));
+}
+/// Not 0 when any of the doubles is NaN.
+inline int HasNaN(DoublePair x)
+{
+    return _mm_movemask_pd(_mm_cmpunord_pd(x, x));
+}
+inline int HasNaN(DoublePair x, DoublePair y, DoublePair z, DoublePair t)
+{
+    return _mm_movemask_pd(_mm_or_pd(_mm_cmpunord_pd(x, y), _mm_cmpunord_pd(z, t)));
+}
 
 /// Pins a value that may live in a register: nothing computed from it afterwards can move before this place,
 /// and what computes it cannot move behind. Arithmetic between two writes of the control word stays there
@@ -79,9 +149,13 @@ inline void Pin(double& value)
 {
     __asm__ __volatile__("" : "+x"(value));
 }
-inline void Pin(__m128d& value)
+inline void Pin(DoublePair& value)
 {
     __asm__ __volatile__("" : "+x"(value));
+}
+inline void Pin(int& value)
+{
+    __asm__ __volatile__("" : "+r"(value));
 }
 
 /// Tells the processor that this is a waiting loop.
@@ -130,9 +204,91 @@ inline void ClearStatus()
 {
     std::feclearexcept(FE_ALL_EXCEPT);
 }
+inline void RaiseOverflow()
+{
+    std::fenv_t saved;
+    std::fexcept_t overflow;
+    std::feholdexcept(&saved);
+    std::feraiseexcept(FE_OVERFLOW);
+    std::fegetexceptflag(&overflow, FE_OVERFLOW);
+    std::fesetenv(&saved);
+    std::fesetexceptflag(&overflow, FE_OVERFLOW);
+}
+
+struct DoublePair {
+    double m_First;
+    double m_Second;
+};
+
+inline DoublePair MakePair(double first, double second)
+{
+    return {first, second};
+}
+inline double First(DoublePair x)
+{
+    return x.m_First;
+}
+inline double Second(DoublePair x)
+{
+    return x.m_Second;
+}
+inline DoublePair BothFirst(DoublePair x)
+{
+    return {x.m_First, x.m_First};
+}
+inline DoublePair BothSecond(DoublePair x)
+{
+    return {x.m_Second, x.m_Second};
+}
+inline DoublePair Exchanged(DoublePair x)
+{
+    return {x.m_Second, x.m_First};
+}
+inline DoublePair Negated(DoublePair x)
+{
+    return {-x.m_First, -x.m_Second};
+}
+inline DoublePair Sum(DoublePair x, DoublePair y)
+{
+    return {x.m_First + y.m_First, x.m_Second + y.m_Second};
+}
+inline DoublePair Product(DoublePair x, DoublePair y)
+{
+    return {x.m_First * y.m_First, x.m_Second * y.m_Second};
+}
+inline DoublePair Quotient(DoublePair x, DoublePair y)
+{
+    return {x.m_First / y.m_First, x.m_Second / y.m_Second};
+}
+inline DoublePair Maximum(DoublePair x, DoublePair y)
+{
+    return {x.m_First > y.m_First ? x.m_First : y.m_First, x.m_Second > y.m_Second ? x.m_Second : y.m_Second};
+}
+inline DoublePair ChooseBySign(DoublePair x, DoublePair ifNotNegative, DoublePair otherwise)
+{
+    return {x.m_First >= 0.0 ? ifNotNegative.m_First : otherwise.m_First,
+            x.m_Second >= 0.0 ? ifNotNegative.m_Second : otherwise.m_Second};
+}
+inline int HasNaN(DoublePair x)
+{
+    return x.m_First != x.m_First || x.m_Second != x.m_Second ? 1 : 0;
+}
+inline int HasNaN(DoublePair x, DoublePair y, DoublePair z, DoublePair t)
+{
+    return HasNaN(x) | HasNaN(y) | HasNaN(z) | HasNaN(t);
+}
+
 inline void Pin(double& value)
 {
     __asm__ __volatile__("" : "+m"(value) : : "memory");
+}
+inline void Pin(DoublePair& value)
+{
+    __asm__ __volatile__("" : "+m"(value) : : "memory");
+}
+inline void Pin(int& value)
+{
+    __asm__ __volatile__("" : "+r"(value) : : "memory");
 }
 inline void Pause() {}
 

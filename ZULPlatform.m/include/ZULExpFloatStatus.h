@@ -158,6 +158,12 @@ inline void Pin(int& value)
     __asm__ __volatile__("" : "+r"(value));
 }
 
+/// The same for a decision that arithmetic has led to.
+inline void Pin(int& value)
+{
+    __asm__ __volatile__("" : "+r"(value));
+}
+
 /// Tells the processor that this is a waiting loop.
 inline void Pause()
 {
@@ -289,6 +295,10 @@ inline void Pin(DoublePair& value)
 inline void Pin(int& value)
 {
     __asm__ __volatile__("" : "+r"(value) : : "memory");
+}
+inline void Pin(int& value)
+{
+    __asm__ __volatile__("" : "+r"(value));
 }
 inline void Pause() {}
 

@@ -153,10 +153,6 @@ inline void Pin(DoublePair& value)
 {
     __asm__ __volatile__("" : "+x"(value));
 }
-inline void Pin(int& value)
-{
-    __asm__ __volatile__("" : "+r"(value));
-}
 
 /// The same for a decision that arithmetic has led to.
 inline void Pin(int& value)
@@ -295,10 +291,6 @@ inline void Pin(DoublePair& value)
 inline void Pin(int& value)
 {
     __asm__ __volatile__("" : "+r"(value) : : "memory");
-}
-inline void Pin(int& value)
-{
-    __asm__ __volatile__("" : "+r"(value));
 }
 inline void Pause() {}
 

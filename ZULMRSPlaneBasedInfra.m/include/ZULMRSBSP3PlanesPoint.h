@@ -11,6 +11,7 @@ public:
     /// isValid: whether the planes are not null and meet in one point. An invalid point holds its references
     /// all the same.
     ZULMRSBSP3PlanesPoint(const std::array<ZULMRSBSPPlane*, 3>& planes, bool& isValid);
+    ZULMRSBSP3PlanesPoint(std::array<ZULMRSBSPPlane*, 3>&& planes, bool& isValid);
     /// Shallow, as ZULMRSBSPPoint's.
     ZULMRSBSP3PlanesPoint(const ZULMRSBSP3PlanesPoint& other);
     ZULMRSBSP3PlanesPoint& operator=(const ZULMRSBSP3PlanesPoint& other);
@@ -33,6 +34,8 @@ public:
 
 private:
     bool Init();
+    ZULExpSign_t ComputeFiltered();
+    bool OrientExactly();
 
     std::array<ZULExpDynamic, 4> m_Representation;
     bool m_RepresentationValid;

@@ -10,13 +10,14 @@ public:
     /// Makes and solely owns the three axis-parallel planes through the point.
     explicit ZULMRSBSPCartesianPoint(const ZULMathPoint& coordinates);
     /// Orients the triple by the exact sign of the normals' determinant; dependent normals are accepted.
-    ZULMRSBSPCartesianPoint(const std::array<ZULMRSBSPPlane*, 3>& planes,
-                            const std::array<double, 3>& coordinates);
+    ZULMRSBSPCartesianPoint(std::array<ZULMRSBSPPlane*, 3> planes, std::array<double, 3> coordinates);
     ZULMRSBSPCartesianPoint(ZULMRSBSPPlane* p1, ZULMRSBSPPlane* p2, ZULMRSBSPPlane* p3,
                             const ZULMathPoint& coordinates);
-    /// Shallow, as ZULMRSBSPPoint's.
+    /// Shallow, as ZULMRSBSPPoint's; moving is copying.
     ZULMRSBSPCartesianPoint(const ZULMRSBSPCartesianPoint& other);
+    ZULMRSBSPCartesianPoint(ZULMRSBSPCartesianPoint&& other);
     ZULMRSBSPCartesianPoint& operator=(const ZULMRSBSPCartesianPoint& other);
+    ZULMRSBSPCartesianPoint& operator=(ZULMRSBSPCartesianPoint&& other);
 
     ZULMRSBSPPointType GetType() const override;
     /// The representations are new arrays (x, y, z, 1); (null, false) when memory is exhausted.

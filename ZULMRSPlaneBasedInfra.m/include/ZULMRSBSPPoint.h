@@ -73,6 +73,7 @@ protected:
     ZULMRSBSPPoint();
     /// Takes one reference on each plane that is not null.
     explicit ZULMRSBSPPoint(const std::array<ZULMRSBSPPlane*, 3>& planes);
+    explicit ZULMRSBSPPoint(std::array<ZULMRSBSPPlane*, 3>&& planes);
     ZULMRSBSPPoint(ZULMRSBSPPlane* p1, ZULMRSBSPPlane* p2, ZULMRSBSPPlane* p3);
     virtual ~ZULMRSBSPPoint();
 

@@ -1,0 +1,165 @@
+#ifndef ZULMRSBSPFormulas_h
+#define ZULMRSBSPFormulas_h
+
+#include <array>
+#include <bit>
+#include <cstdint>
+
+/// The polynomials of the library, each written once, over any number type with +, - and *. "Degree" counts
+/// the input numbers multiplied in each monomial. The order of the operations is part of the meaning for
+/// rounded numbers: it fixes the value, and the count of a filtered number.
+namespace ZULMRSBSPFormulas
+{
+template <class Number>
+using Triple = std::array<Number, 3>;
+template <class Number>
+using Quadruple = std::array<Number, 4>;
+
+/// Doubles as numbers of another arithmetic.
+template <class Number>
+Triple<Number> Convert(const Triple<double>& values)
+{
+    return {Number(values[0]), Number(values[1]), Number(values[2])};
+}
+template <class Number>
+Quadruple<Number> Convert(const Quadruple<double>& values)
+{
+    return {Number(values[0]), Number(values[1]), Number(values[2]), Number(values[3])};
+}
+
+template <class Number>
+Triple<Number> Difference(const Triple<Number>& p, const Triple<Number>& q)
+{
+    return {p[0] - q[0], p[1] - q[1], p[2] - q[2]};
+}
+
+/// a d - b c. Degree 2.
+template <class Number>
+Number Determinant2x2(const Number& a, const Number& b, const Number& c, const Number& d)
+{
+    return a * d - b * c;
+}
+
+/// u x v. Degree 2.
+template <class Number>
+Triple<Number> CrossProduct(const Triple<Number>& u, const Triple<Number>& v)
+{
+    return {Determinant2x2(u[1], u[2], v[1], v[2]), Determinant2x2(u[2], u[0], v[2], v[0]),
+            Determinant2x2(u[0], u[1], v[0], v[1])};
+}
+
+/// A row times the minors of the two rows below it, ((m0 p0 + m1 p1) + m2 p2): their determinant when
+/// m = q x r.
+template <class Number>
+Number ExpandFirstRow(const Number& p0, const Number& p1, const Number& p2, const Number& m0,
+                      const Number& m1, const Number& m2)
+{
+    return m0 * p0 + m1 * p1 + m2 * p2;
+}
+
+/// Determinant of the rows p, q, r, expanded along the first. Degree 3.
+template <class Number>
+Number Determinant3x3(const Triple<Number>& p, const Triple<Number>& q, const Triple<Number>& r)
+{
+    const Triple<Number> minors = CrossProduct(q, r);
+    return ExpandFirstRow(p[0], p[1], p[2], minors[0], minors[1], minors[2]);
+}
+
+/// Minus the linear part of a plane at a point, -((b y + a x) + c z): the fourth coefficient of the plane
+/// through that point. Degree 2.
+template <class Number>
+Number OffsetThrough(const Triple<Number>& normal, const Triple<Number>& point)
+{
+    return -((normal[1] * point[1] + normal[0] * point[0]) + normal[2] * point[2]);
+}
+
+/// The plane through a point with a given normal. Degree 2 in its last coefficient.
+template <class Number>
+Quadruple<Number> PlaneAtPoint(const Triple<Number>& normal, const Triple<Number>& point)
+{
+    return {normal[0], normal[1], normal[2], OffsetThrough(normal, point)};
+}
+
+/// The plane through three points, normal (p2 - p1) x (p3 - p1). Degree 2, and 3 in its last coefficient.
+template <class Number>
+Quadruple<Number> PlaneThroughPoints(const Triple<Number>& p1, const Triple<Number>& p2,
+                                     const Triple<Number>& p3)
+{
+    return PlaneAtPoint(CrossProduct(Difference(p2, p1), Difference(p3, p1)), p1);
+}
+
+/// The meeting point (X, Y, Z, W) of the planes p, q, r by Cramer's rule: W is the determinant of the
+/// normals, X, Y, Z the same with the column of a, b, c replaced by that of -d. Each determinant is expanded
+/// along its first row; a minor that stands in two of them is computed once. Degree 3.
+template <class Number>
+Quadruple<Number> MeetingPoint(const Quadruple<Number>& p, const Quadruple<Number>& q,
+                               const Quadruple<Number>& r)
+{
+    const Number pe = -p[3];
+    const Number qe = -q[3];
+    const Number re = -r[3];
+    const Number bc = Determinant2x2(q[1], q[2], r[1], r[2]);
+    const Number ca = Determinant2x2(q[2], q[0], r[2], r[0]);
+    const Number ab = Determinant2x2(q[0], q[1], r[0], r[1]);
+    return {ExpandFirstRow(pe, p[1], p[2], bc, Determinant2x2(q[2], qe, r[2], re),
+                           Determinant2x2(qe, q[1], re, r[1])),
+            ExpandFirstRow(p[0], pe, p[2], Determinant2x2(qe, q[2], re, r[2]), ca,
+                           Determinant2x2(q[0], qe, r[0], re)),
+            ExpandFirstRow(p[0], p[1], pe, Determinant2x2(q[1], qe, r[1], re),
+                           Determinant2x2(qe, q[0], re, r[0]), ab),
+            ExpandFirstRow(p[0], p[1], p[2], bc, ca, ab)};
+}
+
+/// The determinant of B - A and D - C of the plane points A to D = (x0, x1) to (x6, x7). Degree 2.
+template <class Number>
+Number DifferenceDeterminant(const std::array<Number, 8>& x)
+{
+    return (x[7] - x[5]) * (x[2] - x[0]) - (x[6] - x[4]) * (x[3] - x[1]);
+}
+
+/// The dot product of B - A and D - C, points as above. Degree 2.
+template <class Number>
+Number DifferenceDotProduct(const std::array<Number, 8>& x)
+{
+    return (x[7] - x[5]) * (x[3] - x[1]) + (x[6] - x[4]) * (x[2] - x[0]);
+}
+
+/// u . v. Degree 2.
+template <class Number>
+Number DotProduct(const Triple<Number>& u, const Triple<Number>& v)
+{
+    return u[2] * v[2] + (u[1] * v[1] + u[0] * v[0]);
+}
+
+/// A plane's equation at a point. Degree 2.
+template <class Number>
+Number EquationAt(const Quadruple<Number>& plane, const Triple<Number>& point)
+{
+    return point[0] * plane[0] + point[1] * plane[1] + (point[2] * plane[2] + plane[3]);
+}
+
+/// A plane's equation at a homogeneous point, times W. With the meeting point of p, q and r it is the
+/// determinant of the rows p, q, r, plane. Degree 2 in its arguments.
+template <class Number>
+Number EquationAtHomogeneous(const Quadruple<Number>& plane, const Quadruple<Number>& point)
+{
+    return plane[0] * point[0] + plane[1] * point[1] + plane[2] * point[2] + plane[3] * point[3];
+}
+
+/// The bits of a double without its sign. Tests on them hold where the host treats denormals as zero.
+inline std::uint64_t MagnitudeBits(double value)
+{
+    return std::bit_cast<std::uint64_t>(value) & 0x7FFFFFFFFFFFFFFFU;
+}
+inline bool IsExactlyZero(double value)
+{
+    return MagnitudeBits(value) == 0;
+}
+/// Plus or minus one.
+inline bool IsExactlyUnit(double value)
+{
+    return MagnitudeBits(value) == MagnitudeBits(1.0);
+}
+}  // namespace ZULMRSBSPFormulas
+
+#endif

@@ -17,13 +17,10 @@ public:
     /// given by ordinary coordinates, three points each (some 11 limbs), and for its products in the making.
     static constexpr std::size_t InlineLimbs = 14;
 
-    ZULExpBigIntegerTS() noexcept : m_Capacity(InlineLimbs), m_SignedSize(0) {}
+    ZULExpBigIntegerTS() noexcept : m_Capacity(InlineLimbs), m_SignedSize(0) { ClearPadding(); }
     explicit ZULExpBigIntegerTS(std::int64_t value) noexcept;
     ZULExpBigIntegerTS(const ZULExpBigIntegerTS& other);
-    ZULExpBigIntegerTS(ZULExpBigIntegerTS&& other) noexcept : m_Capacity(InlineLimbs), m_SignedSize(0)
-    {
-        TakeFrom(other);
-    }
+    ZULExpBigIntegerTS(ZULExpBigIntegerTS&& other) noexcept { TakeFrom(other); }
     ZULExpBigIntegerTS& operator=(const ZULExpBigIntegerTS& other);
     ZULExpBigIntegerTS& operator=(ZULExpBigIntegerTS&& other) noexcept
     {
@@ -73,20 +70,30 @@ private:
     const std::uint64_t* Limbs() const noexcept { return m_Capacity > InlineLimbs ? m_Heap : m_Inline; }
     std::uint64_t* Limbs() noexcept { return m_Capacity > InlineLimbs ? m_Heap : m_Inline; }
 
-    // Room for that many limbs in a number that has none on the heap yet; what was in it is lost.
+    // Room for that many limbs; what was in the number is lost.
     std::uint64_t* MakeRoom(std::size_t limbs);
-    // Sets the size, without the zero limbs at the top.
+    // Sets the size, without the zero limbs at the top, and pads.
     void SetSize(std::size_t size, bool isNegative) noexcept;
-    // Into a number that is zero and is neither x nor y: x * 2^shift + y, or - y.
+    void Pad() noexcept;
+    // For a magnitude of one limb, in a number without heap block.
+    void SetMagnitude(std::uint64_t magnitude, bool isNegative) noexcept
+    {
+        m_Inline[0] = magnitude;
+        m_SignedSize = magnitude == 0 ? 0 : (isNegative ? -1 : 1);
+    }
+    // Into a number that is zero, has no heap block and is neither x nor y: x * 2^shift + y, or - y. These
+    // two are inline functions of the sources; the long forms are for numbers of any size.
     void SetShiftedSum(const ZULExpBigIntegerTS& x, std::uint64_t shift, const ZULExpBigIntegerTS& y,
                        bool isYNegated);
     void SetProduct(const ZULExpBigIntegerTS& x, const ZULExpBigIntegerTS& y);
+    void SetLongShiftedSum(const ZULExpBigIntegerTS& x, std::uint64_t shift, const ZULExpBigIntegerTS& y,
+                           bool isYNegated);
+    void SetLongProduct(const ZULExpBigIntegerTS& x, const ZULExpBigIntegerTS& y);
     void SetShiftedLeft(const ZULExpBigIntegerTS& x, std::uint64_t shift);
-    void SetMagnitude(std::uint64_t magnitude, bool isNegative) noexcept;
     // Takes the zero limbs off the low end; returns how many.
     std::size_t DropLowZeroLimbs() noexcept;
-    // The highest bits of the magnitude, as many as asked for (at most 64), rounded to nearest even. May be
-    // 2^bits.
+    // The highest bits of the magnitude, as many as asked for (at most 63), rounded to nearest even; the
+    // whole magnitude if it is shorter. May be 2^bits.
     std::uint64_t RoundedTop(std::size_t bits) const noexcept;
 
     void FreeHeap() noexcept
@@ -94,6 +101,15 @@ private:
         if (m_Capacity > InlineLimbs) {
             delete[] m_Heap;
         }
+    }
+    // Limb by limb: a loop or memset would be carried out even where the limbs are written next.
+    void ClearPadding() noexcept
+    {
+        static_assert(PaddedLimbs == 4, "the limbs listed here");
+        m_Inline[0] = 0;
+        m_Inline[1] = 0;
+        m_Inline[2] = 0;
+        m_Inline[3] = 0;
     }
     // Leaves other zero; the own heap block must have been freed.
     void TakeFrom(ZULExpBigIntegerTS& other) noexcept
@@ -103,13 +119,21 @@ private:
         if (m_Capacity > InlineLimbs) {
             m_Heap = other.m_Heap;
         } else {
-            for (std::size_t i = 0, size = Size(); i < size; ++i) {
+            m_Inline[0] = other.m_Inline[0];
+            m_Inline[1] = other.m_Inline[1];
+            m_Inline[2] = other.m_Inline[2];
+            m_Inline[3] = other.m_Inline[3];
+            for (std::size_t i = PaddedLimbs, size = Size(); i < size; ++i) {
                 m_Inline[i] = other.m_Inline[i];
             }
         }
+        other.ClearPadding();
         other.m_Capacity = InlineLimbs;
         other.m_SignedSize = 0;
     }
+
+    // Limbs that are zero when they are not in use, so that short numbers are computed without loops.
+    static constexpr std::size_t PaddedLimbs = 4;
 
     // Least significant limb first, no zero limb at the top.
     union {

@@ -2,9 +2,10 @@
 #define ZULExpFloatRingExtensionTS_h
 
 #include <cstdint>
-#include <utility>
+#include <cstring>
 
 #include "ZULExpBigIntegerTS.h"
+#include "ZULExpFloatStatus.h"
 #include "ZULExpSign.h"
 #include "ZULPlatformExport.h"
 
@@ -17,8 +18,26 @@ class ZULPlatform_API ZULExpFloatRingExtensionTS
 {
 public:
     ZULExpFloatRingExtensionTS() noexcept = default;
-    ZULExpFloatRingExtensionTS(
-        double value) noexcept;  // NOLINT(google-explicit-constructor): one formula for all numbers
+    // By bits alone: arithmetic would depend on the caller's control word and raise flags.
+    ZULExpFloatRingExtensionTS(double value) noexcept  // NOLINT(google-explicit-constructor): one formula
+    {                                                  // for all numbers
+        std::uint64_t bits;
+        std::memcpy(&bits, &value, sizeof bits);
+        const auto biasedExponent = static_cast<int>((bits >> 52) & 0x7FFU);
+        std::uint64_t mantissa = bits & ((std::uint64_t{1} << 52) - 1);
+        int exponent = SmallestExponent;
+        if (biasedExponent != 0) {
+            mantissa |= std::uint64_t{1} << 52;
+            exponent += biasedExponent - 1;
+        }
+        if (biasedExponent == 0x7FF) {
+            ZULExpProcessor::RaiseOverflow();
+        } else if (mantissa != 0) {
+            const int zeros = __builtin_ctzll(mantissa);
+            m_Integer.SetMagnitude(mantissa >> zeros, (bits >> 63) != 0);
+            m_Exponent = exponent + zeros;
+        }
+    }
 
     ZULExpSign_t Sign() const noexcept { return m_Integer.Sign(); }
     bool IsZero() const noexcept { return m_Integer.IsZero(); }
@@ -58,6 +77,8 @@ private:
     void SetProduct(const ZULExpFloatRingExtensionTS& x, const ZULExpFloatRingExtensionTS& y);
     // Drops low zero limbs, so that numbers stay short.
     void Normalize();
+
+    static constexpr int SmallestExponent = -1074;  // of the unit of denormals
 
     ZULExpBigIntegerTS m_Integer;
     std::int64_t m_Exponent = 0;

@@ -5,7 +5,7 @@
 #include <limits>
 #include <new>
 
-#include "ZULExpLimbs.h"
+#include "ZULExpBigIntegerInline.h"
 
 using namespace ZULExpLimbs;
 
@@ -25,7 +25,7 @@ ZULExpBigIntegerTS::ZULExpBigIntegerTS(std::int64_t value) noexcept : ZULExpBigI
 
 ZULExpBigIntegerTS::ZULExpBigIntegerTS(const ZULExpBigIntegerTS& other) : ZULExpBigIntegerTS()
 {
-    std::copy_n(other.Limbs(), other.Size(), MakeRoom(other.Size()));
+    std::copy_n(other.Limbs(), std::max(other.Size(), PaddedLimbs), MakeRoom(other.Size()));
     m_SignedSize = other.m_SignedSize;
 }
 
@@ -37,7 +37,7 @@ ZULExpBigIntegerTS& ZULExpBigIntegerTS::operator=(const ZULExpBigIntegerTS& othe
     if (other.Size() > m_Capacity) {
         return *this = ZULExpBigIntegerTS(other);
     }
-    std::copy_n(other.Limbs(), other.Size(), Limbs());
+    std::copy_n(other.Limbs(), std::max(other.Size(), PaddedLimbs), Limbs());
     m_SignedSize = other.m_SignedSize;
     return *this;
 }
@@ -65,12 +65,15 @@ void ZULExpBigIntegerTS::SetSize(std::size_t size, bool isNegative) noexcept
     }
     const auto signedSize = static_cast<std::int32_t>(size);
     m_SignedSize = isNegative ? -signedSize : signedSize;
+    Pad();
 }
 
-void ZULExpBigIntegerTS::SetMagnitude(std::uint64_t magnitude, bool isNegative) noexcept
+void ZULExpBigIntegerTS::Pad() noexcept
 {
-    Limbs()[0] = magnitude;
-    SetSize(1, isNegative);
+    std::uint64_t* const limbs = Limbs();
+    for (std::size_t i = Size(); i < PaddedLimbs; ++i) {
+        limbs[i] = 0;
+    }
 }
 
 std::size_t ZULExpBigIntegerTS::GetBitLength() const noexcept
@@ -104,6 +107,7 @@ std::size_t ZULExpBigIntegerTS::DropLowZeroLimbs() noexcept
         std::copy(limbs + zeros, limbs + size, limbs);
         const auto dropped = static_cast<std::int32_t>(zeros);
         m_SignedSize += m_SignedSize < 0 ? dropped : -dropped;
+        Pad();
     }
     return zeros;
 }
@@ -128,8 +132,8 @@ void ZULExpBigIntegerTS::SetShiftedLeft(const ZULExpBigIntegerTS& x, std::uint64
     SetSize(low + size + 1, x.m_SignedSize < 0);
 }
 
-void ZULExpBigIntegerTS::SetShiftedSum(const ZULExpBigIntegerTS& x, std::uint64_t shift,
-                                       const ZULExpBigIntegerTS& y, bool isYNegated)
+void ZULExpBigIntegerTS::SetLongShiftedSum(const ZULExpBigIntegerTS& x, std::uint64_t shift,
+                                           const ZULExpBigIntegerTS& y, bool isYNegated)
 {
     const std::size_t ySize = y.Size();
     // Room for the longer of the two and a carry, before anything is written.
@@ -165,7 +169,7 @@ void ZULExpBigIntegerTS::SetShiftedSum(const ZULExpBigIntegerTS& x, std::uint64_
     SetSize(size, isXNegative != (borrow != 0));
 }
 
-void ZULExpBigIntegerTS::SetProduct(const ZULExpBigIntegerTS& x, const ZULExpBigIntegerTS& y)
+void ZULExpBigIntegerTS::SetLongProduct(const ZULExpBigIntegerTS& x, const ZULExpBigIntegerTS& y)
 {
     const std::size_t xSize = x.Size();
     const std::size_t ySize = y.Size();

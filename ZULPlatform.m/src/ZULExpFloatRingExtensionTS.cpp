@@ -4,14 +4,12 @@
 #include <limits>
 #include <stdexcept>
 
-#include "ZULExpFloatStatus.h"
+#include "ZULExpBigIntegerInline.h"
 
 namespace
 {
-constexpr std::uint64_t MantissaMask = (std::uint64_t{1} << 52) - 1;
 constexpr std::uint64_t InfinityBits = std::uint64_t{0x7FF} << 52;
 constexpr std::uint64_t SignBit = std::uint64_t{1} << 63;
-constexpr int SmallestExponent = -1074;  // of the unit of denormals
 
 std::int64_t AddExponents(std::int64_t x, std::int64_t y)
 {
@@ -22,29 +20,6 @@ std::int64_t AddExponents(std::int64_t x, std::int64_t y)
     return sum;
 }
 }  // namespace
-
-// By bits alone: arithmetic would depend on the caller's control word and raise flags.
-ZULExpFloatRingExtensionTS::ZULExpFloatRingExtensionTS(double value) noexcept
-{
-    const auto bits = std::bit_cast<std::uint64_t>(value);
-    const auto biasedExponent = static_cast<int>((bits >> 52) & 0x7FFU);
-    std::uint64_t mantissa = bits & MantissaMask;
-    if (biasedExponent == 0x7FF) {
-        ZULExpProcessor::RaiseOverflow();
-        return;
-    }
-    int exponent = SmallestExponent;
-    if (biasedExponent != 0) {
-        mantissa |= MantissaMask + 1;
-        exponent += biasedExponent - 1;
-    }
-    if (mantissa == 0) {
-        return;
-    }
-    const int zeros = std::countr_zero(mantissa);
-    m_Integer.SetMagnitude(mantissa >> zeros, (bits & SignBit) != 0);
-    m_Exponent = exponent + zeros;
-}
 
 double ZULExpFloatRingExtensionTS::Estimate() const noexcept
 {
@@ -73,14 +48,16 @@ double ZULExpFloatRingExtensionTS::Estimate() const noexcept
     return std::bit_cast<double>(sign | ((static_cast<std::uint64_t>(exponent) << 52) + mantissa));
 }
 
-void ZULExpFloatRingExtensionTS::Normalize()
+inline void ZULExpFloatRingExtensionTS::Normalize()
 {
-    const auto dropped = static_cast<std::int64_t>(m_Integer.DropLowZeroLimbs());
-    m_Exponent = m_Integer.IsZero() ? 0 : AddExponents(m_Exponent, 64 * dropped);
+    if (m_Integer.Limbs()[0] == 0) {
+        const auto dropped = static_cast<std::int64_t>(m_Integer.DropLowZeroLimbs());
+        m_Exponent = m_Integer.IsZero() ? 0 : AddExponents(m_Exponent, 64 * dropped);
+    }
 }
 
-void ZULExpFloatRingExtensionTS::SetSum(const ZULExpFloatRingExtensionTS& x,
-                                        const ZULExpFloatRingExtensionTS& y, bool isYNegated)
+inline void ZULExpFloatRingExtensionTS::SetSum(const ZULExpFloatRingExtensionTS& x,
+                                               const ZULExpFloatRingExtensionTS& y, bool isYNegated)
 {
     if (y.IsZero()) {
         *this = x;
@@ -105,8 +82,8 @@ void ZULExpFloatRingExtensionTS::SetSum(const ZULExpFloatRingExtensionTS& x,
     Normalize();
 }
 
-void ZULExpFloatRingExtensionTS::SetProduct(const ZULExpFloatRingExtensionTS& x,
-                                            const ZULExpFloatRingExtensionTS& y)
+inline void ZULExpFloatRingExtensionTS::SetProduct(const ZULExpFloatRingExtensionTS& x,
+                                                   const ZULExpFloatRingExtensionTS& y)
 {
     m_Integer.SetProduct(x.m_Integer, y.m_Integer);
     if (!IsZero()) {

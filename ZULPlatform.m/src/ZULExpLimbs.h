@@ -140,6 +140,70 @@ inline void Multiply(Limb* out, const Limb* x, std::size_t xSize, const Limb* y,
         AddProductByLimb(out + i, x, xSize, y[i]);
     }
 }
+
+/// Carries of fixed-length sums, for compilers to turn into chains of the processor's own.
+inline Limb AddWithCarry(Limb x, Limb y, Limb& carry)
+{
+    const DoubleLimb sum = DoubleLimb{x} + y + carry;
+    carry = static_cast<Limb>(sum >> LimbBits);
+    return static_cast<Limb>(sum);
+}
+
+/// out (5 limbs) = x * 2^bits + y, or - y: its magnitude. x and y have 4 limbs, bits < 64. Returns 1 when the
+/// result was negative, else 0.
+inline Limb ShortShiftedSum(Limb* out, const Limb* x, unsigned int bits, const Limb* y, bool isDifference)
+{
+    const Limb mask = isDifference ? ~Limb{0} : 0;
+    const unsigned int rest = LimbBits - 1 - bits;
+    Limb carry = mask & 1U;  // minus y is its complement plus 1
+    const Limb s0 = AddWithCarry(x[0] << bits, y[0] ^ mask, carry);
+    const Limb s1 = AddWithCarry((x[1] << bits) | (x[0] >> 1 >> rest), y[1] ^ mask, carry);
+    const Limb s2 = AddWithCarry((x[2] << bits) | (x[1] >> 1 >> rest), y[2] ^ mask, carry);
+    const Limb s3 = AddWithCarry((x[3] << bits) | (x[2] >> 1 >> rest), y[3] ^ mask, carry);
+    const Limb s4 = AddWithCarry(x[3] >> 1 >> rest, mask, carry);
+    // A difference without carry is negative. Negating it costs less than a branch that cannot be foreseen.
+    const Limb isNegative = mask & (carry ^ 1U) & 1U;
+    const Limb flip = Limb{0} - isNegative;
+    carry = isNegative;
+    out[0] = AddWithCarry(s0 ^ flip, 0, carry);
+    out[1] = AddWithCarry(s1 ^ flip, 0, carry);
+    out[2] = AddWithCarry(s2 ^ flip, 0, carry);
+    out[3] = AddWithCarry(s3 ^ flip, 0, carry);
+    out[4] = AddWithCarry(s4 ^ flip, 0, carry);
+    return isNegative;
+}
+
+/// out (4 limbs) = x (3 limbs) * y
+inline void ShortProduct3x1(Limb* out, const Limb* x, Limb y)
+{
+    const DoubleLimb p0 = DoubleLimb{x[0]} * y;
+    const DoubleLimb p1 = DoubleLimb{x[1]} * y + static_cast<Limb>(p0 >> LimbBits);
+    const DoubleLimb p2 = DoubleLimb{x[2]} * y + static_cast<Limb>(p1 >> LimbBits);
+    out[0] = static_cast<Limb>(p0);
+    out[1] = static_cast<Limb>(p1);
+    out[2] = static_cast<Limb>(p2);
+    out[3] = static_cast<Limb>(p2 >> LimbBits);
+}
+
+/// out (4 limbs) = x (2 limbs) * y (2 limbs)
+inline void ShortProduct2x2(Limb* out, const Limb* x, const Limb* y)
+{
+    const DoubleLimb p00 = DoubleLimb{x[0]} * y[0];
+    const DoubleLimb p10 = DoubleLimb{x[1]} * y[0] + static_cast<Limb>(p00 >> LimbBits);
+    const DoubleLimb p01 = DoubleLimb{x[0]} * y[1] + static_cast<Limb>(p10);
+    const DoubleLimb p11 =
+        DoubleLimb{x[1]} * y[1] + static_cast<Limb>(p10 >> LimbBits) + static_cast<Limb>(p01 >> LimbBits);
+    out[0] = static_cast<Limb>(p00);
+    out[1] = static_cast<Limb>(p01);
+    out[2] = static_cast<Limb>(p11);
+    out[3] = static_cast<Limb>(p11 >> LimbBits);
+}
+
+/// Number of limbs without the zero ones at the top, of at most 4.
+inline std::size_t ShortSize(const Limb* x)
+{
+    return x[3] != 0 ? 4U : x[2] != 0 ? 3U : x[1] != 0 ? 2U : x[0] != 0 ? 1U : 0U;
+}
 }  // namespace ZULExpLimbs
 
 #endif

@@ -1,0 +1,134 @@
+#ifndef ZULMRSBSPEquation_h
+#define ZULMRSBSPEquation_h
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <type_traits>
+#include <typeinfo>
+
+#include "ZULExpDynamic.h"
+#include "ZULExpInterval.h"
+#include "ZULMRSBSP3PlanesPoint.h"
+#include "ZULMRSBSP3PointsPlane.h"
+#include "ZULMRSBSPFormulas.h"
+#include "ZULMRSBSPPlane.h"
+#include "ZULMRSBSPPoint.h"
+#include "ZULMRSBSPQuadrupleHolder.h"
+
+// What the predicates read of planes and points, without the heap wherever the object's own data suffice: a
+// Cartesian plane is its doubles. Where an accessor could be overridden it is called; only an object of
+// exactly the library's class is read past it.
+
+inline bool ZULMRSBSPIsCartesian(const ZULMRSBSPPlane& plane)
+{
+    return plane.GetType() == ZULMRSBSPPlaneType_Cartesian;
+}
+
+/// The defining points of a three-points plane; empty for any other plane.
+inline std::optional<std::array<std::array<double, 3>, 3>> ZULMRSBSPDefiningPoints(
+    const ZULMRSBSPPlane& plane)
+{
+    if (typeid(plane) == typeid(ZULMRSBSP3PointsPlane)) [[likely]] {
+        return static_cast<const ZULMRSBSP3PointsPlane&>(plane).Get3Points();
+    }
+    if (plane.GetType() == ZULMRSBSPPlaneType_3Points) {
+        if (const auto* derived = dynamic_cast<const ZULMRSBSP3PointsPlane*>(&plane)) {
+            return derived->Get3Points();
+        }
+    }
+    return std::nullopt;
+}
+
+/// A plane's equation in one arithmetic, to be read in the environment of that arithmetic. Empty when the
+/// plane cannot deliver it.
+template <class Number>
+class ZULMRSBSPEquation
+{
+public:
+    explicit ZULMRSBSPEquation(const ZULMRSBSPPlane& plane)
+    {
+        if (ZULMRSBSPIsCartesian(plane)) {
+            Keep(ZULMRSBSPFormulas::Convert<Number>(plane.GetCoords()));
+        } else if (!ComputesItself || !KeepFromPoints(plane)) {
+            m_Held.emplace(plane.GetStdEquationTpl<Number>());
+            m_Numbers = *m_Held ? &**m_Held : nullptr;
+        }
+    }
+    ZULMRSBSPEquation(const ZULMRSBSPEquation&) = delete;
+    ZULMRSBSPEquation& operator=(const ZULMRSBSPEquation&) = delete;
+
+    explicit operator bool() const { return m_Numbers != nullptr; }
+    const std::array<Number, 4>& operator*() const { return *m_Numbers; }
+    const Number& operator[](std::size_t index) const { return (*m_Numbers)[index]; }
+
+private:
+    // The filtered equation of a three-points plane is kept by the plane.
+    static constexpr bool ComputesItself = !std::is_same_v<Number, ZULExpDynamic>;
+
+    void Keep(const std::array<Number, 4>& numbers)
+    {
+        m_Computed = numbers;
+        m_Numbers = &m_Computed;
+    }
+    bool KeepFromPoints(const ZULMRSBSPPlane& plane)
+    {
+        using namespace ZULMRSBSPFormulas;
+        if (typeid(plane) != typeid(ZULMRSBSP3PointsPlane)) {
+            return false;
+        }
+        const auto points = static_cast<const ZULMRSBSP3PointsPlane&>(plane).Get3Points();
+        Keep(PlaneThroughPoints(Convert<Number>(points[0]), Convert<Number>(points[1]),
+                                Convert<Number>(points[2])));
+        return true;
+    }
+
+    std::array<Number, 4> m_Computed;
+    std::optional<ZULMRSBSPQuadrupleHolder<Number>> m_Held;
+    const std::array<Number, 4>* m_Numbers = nullptr;
+};
+
+/// A point's homogeneous representation in intervals, to be read in upward rounding. Empty when the point
+/// cannot deliver it.
+class ZULMRSBSPIntervalRepresentation
+{
+public:
+    explicit ZULMRSBSPIntervalRepresentation(const ZULMRSBSPPoint& point)
+    {
+        if (!KeepFromPlanes(point)) {
+            m_Held.emplace(point.GetCartesianRepresentation_ExpInterval());
+            m_Numbers = *m_Held ? &**m_Held : nullptr;
+        }
+    }
+    ZULMRSBSPIntervalRepresentation(const ZULMRSBSPIntervalRepresentation&) = delete;
+    ZULMRSBSPIntervalRepresentation& operator=(const ZULMRSBSPIntervalRepresentation&) = delete;
+
+    explicit operator bool() const { return m_Numbers != nullptr; }
+    const std::array<ZULExpInterval, 4>& operator*() const { return *m_Numbers; }
+    const ZULExpInterval& operator[](std::size_t index) const { return (*m_Numbers)[index]; }
+
+private:
+    bool KeepFromPlanes(const ZULMRSBSPPoint& point)
+    {
+        if (typeid(point) != typeid(ZULMRSBSP3PlanesPoint)) {
+            return false;
+        }
+        std::array<std::array<ZULExpInterval, 4>, 3> equations;
+        for (std::size_t i = 0; i < equations.size(); ++i) {
+            const ZULMRSBSPPlane* plane = point.GetPlane(i);
+            if (plane == nullptr || !ZULMRSBSPIsCartesian(*plane)) {
+                return false;
+            }
+            equations[i] = ZULMRSBSPFormulas::Convert<ZULExpInterval>(plane->GetCoords());
+        }
+        m_Computed = ZULMRSBSPFormulas::MeetingPoint(equations[0], equations[1], equations[2]);
+        m_Numbers = &m_Computed;
+        return true;
+    }
+
+    std::array<ZULExpInterval, 4> m_Computed;
+    std::optional<ZULMRSBSPQuadrupleHolder<ZULExpInterval>> m_Held;
+    const std::array<ZULExpInterval, 4>* m_Numbers = nullptr;
+};
+
+#endif

@@ -1,0 +1,114 @@
+#ifndef ZULMRSBSPFilter_h
+#define ZULMRSBSPFilter_h
+
+#include <cmath>
+#include <limits>
+
+#include "ZULExpDynamic.h"
+#include "ZULExpFloatStatus.h"
+#include "ZULMRSBSPSign.h"
+
+/// A double and the magnitude of what entered it: the same expression with every input replaced by its
+/// absolute value and every difference by a sum. The rounding units of a formula are known beforehand (its
+/// constant K); ZULExpDynamic counts them instead.
+struct ZULMRSBSPFilteredDouble {
+    double m_Value = 0.0;
+    double m_Magnitude = 0.0;
+
+    ZULMRSBSPFilteredDouble() = default;
+    explicit ZULMRSBSPFilteredDouble(double value) : m_Value(value), m_Magnitude(std::fabs(value)) {}
+    ZULMRSBSPFilteredDouble(double value, double magnitude) : m_Value(value), m_Magnitude(magnitude) {}
+
+    friend ZULMRSBSPFilteredDouble operator+(const ZULMRSBSPFilteredDouble& x,
+                                             const ZULMRSBSPFilteredDouble& y)
+    {
+        return {x.m_Value + y.m_Value, x.m_Magnitude + y.m_Magnitude};
+    }
+    friend ZULMRSBSPFilteredDouble operator-(const ZULMRSBSPFilteredDouble& x,
+                                             const ZULMRSBSPFilteredDouble& y)
+    {
+        return {x.m_Value - y.m_Value, x.m_Magnitude + y.m_Magnitude};
+    }
+    friend ZULMRSBSPFilteredDouble operator*(const ZULMRSBSPFilteredDouble& x,
+                                             const ZULMRSBSPFilteredDouble& y)
+    {
+        return {x.m_Value * y.m_Value, x.m_Magnitude * y.m_Magnitude};
+    }
+};
+
+/// Decisions of the floating stage, in the default floating-point environment. Proofs: docs/arithmetic.md.
+namespace ZULMRSBSPFilter
+{
+constexpr double Epsilon = 2.220446049250313e-16;  // 2^-52
+/// Above this magnitude no underflow can reach a bound: it adds at most some 2^-1070, a bound is above
+/// 2^-952.
+constexpr double SafeMagnitude = 0x1p-900;
+
+/// K rounding units of a magnitude.
+inline double Bound(double units, double magnitude)
+{
+    return units * Epsilon * magnitude * 0.5;
+}
+
+inline ZULMRSBSPSign Compare(double value, double bound)
+{
+    if (value > bound) {
+        return ZULMRSBSPSign::Positive();
+    }
+    if (value < -bound) {
+        return ZULMRSBSPSign::Negative();
+    }
+    return bound == 0.0 ? ZULMRSBSPSign::Zero() : ZULMRSBSPSign::Undecided();
+}
+
+/// True when a sum of products of this magnitude has met no overflow, and no underflow that matters.
+inline bool IsSafe(double magnitude)
+{
+    return magnitude > SafeMagnitude && magnitude <= std::numeric_limits<double>::max();
+}
+
+/// Decides only when no underflow, overflow or denormal operand was met since the status was last cleared.
+/// The bound is part of what is checked.
+inline ZULMRSBSPSign DecideByStatus(double value, double magnitude, double units)
+{
+    double bound = Bound(units, magnitude);
+    ZULExpProcessor::Pin(value);
+    ZULExpProcessor::Pin(bound);
+    return (_statusfp() & ZULExpFloatFault) != 0 ? ZULMRSBSPSign::Undecided() : Compare(value, bound);
+}
+
+/// The same for a sum of products of sums of inputs (nothing is multiplied after the last products): the
+/// magnitude's range tells what the status would, and costs nothing.
+inline ZULMRSBSPSign Decide(double value, double magnitude, double units)
+{
+    if (IsSafe(magnitude)) [[likely]] {
+        return Compare(value, Bound(units, magnitude));
+    }
+    return DecideByStatus(value, magnitude, units);
+}
+inline ZULMRSBSPSign Decide(const ZULMRSBSPFilteredDouble& x, int units)
+{
+    return Decide(x.m_Value, x.m_Magnitude, units);
+}
+inline ZULMRSBSPSign DecideByStatus(const ZULMRSBSPFilteredDouble& x, int units)
+{
+    return DecideByStatus(x.m_Value, x.m_Magnitude, units);
+}
+
+/// The units of a number that counts its rounding steps.
+inline double UnitsOf(const ZULExpDynamic& x)
+{
+    return static_cast<double>(x.GetCount() + 2U);
+}
+
+/// Sign of a kept number, as a factor. Its making met no underflow, so magnitude 0 means exactly zero; a
+/// bound among the denormals proves nothing.
+inline ZULMRSBSPSign FactorSign(const ZULExpDynamic& x)
+{
+    const double magnitude = x.GetMagnitude();
+    return IsSafe(magnitude) || magnitude == 0.0 ? Compare(x.GetValue(), Bound(UnitsOf(x), magnitude))
+                                                 : ZULMRSBSPSign::Undecided();
+}
+}  // namespace ZULMRSBSPFilter
+
+#endif

@@ -1,0 +1,236 @@
+#ifndef ZULMRSBSPPlaneRelations_h
+#define ZULMRSBSPPlaneRelations_h
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+#include "ZULMRSBSPEquation.h"
+#include "ZULMRSBSPFilter.h"
+#include "ZULMRSBSPFormulas.h"
+#include "ZULMRSBSPSign.h"
+#include "ZULMRSBSPSignKernels.h"
+#include "ZULMRSBSPStages.h"
+
+/// How two or three equations relate. Everything here stands inside a ZULExpFloatScope.
+namespace ZULMRSBSPPlaneRelations
+{
+inline bool AreCartesian(const ZULMRSBSPPlane& p, const ZULMRSBSPPlane& q)
+{
+    return ZULMRSBSPIsCartesian(p) && ZULMRSBSPIsCartesian(q);
+}
+
+//---------------------------------------------------------------- three normals
+
+template <class Number>
+ZULMRSBSPSign EvaluateNormals(const ZULMRSBSPPlane& p1, const ZULMRSBSPPlane& p2, const ZULMRSBSPPlane& p3)
+{
+    const ZULMRSBSPEquation<Number> p(p1);
+    const ZULMRSBSPEquation<Number> q(p2);
+    const ZULMRSBSPEquation<Number> r(p3);
+    if (!p || !q || !r) {
+        return ZULMRSBSPSign::Undecided();
+    }
+    return ZULMRSBSPStages::SignOfDeep(ZULMRSBSPFormulas::Determinant3x3<Number>(
+        {p[0], p[1], p[2]}, {q[0], q[1], q[2]}, {r[0], r[1], r[2]}));
+}
+
+inline ZULMRSBSPSign FilterNormals(const ZULMRSBSPPlane& p1, const ZULMRSBSPPlane& p2,
+                                   const ZULMRSBSPPlane& p3)
+{
+    return ZULMRSBSPStages::Run<ZULExpDynamic>([&] { return EvaluateNormals<ZULExpDynamic>(p1, p2, p3); });
+}
+inline ZULMRSBSPSign IntervalNormals(const ZULMRSBSPPlane& p1, const ZULMRSBSPPlane& p2,
+                                     const ZULMRSBSPPlane& p3)
+{
+    return ZULMRSBSPStages::RunChecked<ZULExpInterval>(
+        [&] { return EvaluateNormals<ZULExpInterval>(p1, p2, p3); });
+}
+inline ZULMRSBSPSign ExactNormals(const ZULMRSBSPPlane& p1, const ZULMRSBSPPlane& p2,
+                                  const ZULMRSBSPPlane& p3)
+{
+    return ZULMRSBSPStages::RunChecked<ZULExpFloatRingExtensionTS>(
+        [&] { return EvaluateNormals<ZULExpFloatRingExtensionTS>(p1, p2, p3); });
+}
+
+inline ZULMRSBSPSign DeterminantOfNormals(const ZULMRSBSPPlane& p1, const ZULMRSBSPPlane& p2,
+                                          const ZULMRSBSPPlane& p3)
+{
+    if (AreCartesian(p1, p2) && ZULMRSBSPIsCartesian(p3)) [[likely]] {
+        return ZULMRSBSPKernel<ZULMRSBSPDeterminant3x3Kernel>::Decide(
+            {p1.GetDouble(0), p1.GetDouble(1), p1.GetDouble(2), p2.GetDouble(0), p2.GetDouble(1),
+             p2.GetDouble(2), p3.GetDouble(0), p3.GetDouble(1), p3.GetDouble(2)});
+    }
+    return ZULMRSBSPStages::FirstDecided([&] { return FilterNormals(p1, p2, p3); },
+                                         [&] { return IntervalNormals(p1, p2, p3); },
+                                         [&] { return ExactNormals(p1, p2, p3); });
+}
+
+//---------------------------------------------------------------- minors of two equations
+
+template <class Number>
+ZULMRSBSPSign EvaluateMinor(const ZULMRSBSPPlane& p, const ZULMRSBSPPlane& q, std::size_t i, std::size_t j)
+{
+    const ZULMRSBSPEquation<Number> a(p);
+    const ZULMRSBSPEquation<Number> b(q);
+    if (!a || !b) {
+        return ZULMRSBSPSign::Undecided();
+    }
+    return ZULMRSBSPStages::SignOf(ZULMRSBSPFormulas::Determinant2x2(a[i], a[j], b[i], b[j]));
+}
+
+inline ZULMRSBSPSign ShortcutMinor(const ZULMRSBSPPlane& p, const ZULMRSBSPPlane& q, std::size_t i,
+                                   std::size_t j)
+{
+    using ZULMRSBSPFilter::FactorSign;
+    const ZULMRSBSPEquation<ZULExpDynamic> a(p);
+    const ZULMRSBSPEquation<ZULExpDynamic> b(q);
+    if (!a || !b) {
+        return ZULMRSBSPSign::Undecided();
+    }
+    return ZULMRSBSPShortcut::SignOfOpenSum(FactorSign(a[i]) * FactorSign(b[j]),
+                                            -(FactorSign(a[j]) * FactorSign(b[i])));
+}
+inline ZULMRSBSPSign FilterMinor(const ZULMRSBSPPlane& p, const ZULMRSBSPPlane& q, std::size_t i,
+                                 std::size_t j)
+{
+    return ZULMRSBSPStages::Run<ZULExpDynamic>([&] {
+        const ZULMRSBSPSign sign = ShortcutMinor(p, q, i, j);
+        return sign.IsDecided() ? sign : EvaluateMinor<ZULExpDynamic>(p, q, i, j);
+    });
+}
+inline ZULMRSBSPSign ExactMinor(const ZULMRSBSPPlane& p, const ZULMRSBSPPlane& q, std::size_t i,
+                                std::size_t j)
+{
+    return ZULMRSBSPStages::RunChecked<ZULExpFloatRingExtensionTS>(
+        [&] { return EvaluateMinor<ZULExpFloatRingExtensionTS>(p, q, i, j); });
+}
+
+/// Sign of P_i Q_j - P_j Q_i. Without an interval stage unless both planes are Cartesian.
+inline ZULMRSBSPSign Minor(const ZULMRSBSPPlane& p, const ZULMRSBSPPlane& q, bool areCartesian, std::size_t i,
+                           std::size_t j)
+{
+    if (areCartesian) {
+        const int k = static_cast<int>(i);
+        const int l = static_cast<int>(j);
+        return ZULMRSBSPKernel<ZULMRSBSPDeterminant2x2Kernel>::Decide(
+            {p.GetDouble(k), p.GetDouble(l), q.GetDouble(k), q.GetDouble(l)});
+    }
+    return ZULMRSBSPStages::FirstDecided([&] { return FilterMinor(p, q, i, j); },
+                                         [&] { return ExactMinor(p, q, i, j); });
+}
+
+inline bool AreParallel(const ZULMRSBSPPlane& p, const ZULMRSBSPPlane& q)
+{
+    const bool areCartesian = AreCartesian(p, q);
+    if (!Minor(p, q, areCartesian, 0, 1).IsZero() || !Minor(p, q, areCartesian, 0, 2).IsZero()) {
+        return false;
+    }
+    // For two Cartesian planes the last minor is taken with its columns exchanged.
+    return (areCartesian ? Minor(p, q, true, 2, 1) : Minor(p, q, false, 1, 2)).IsZero();
+}
+
+/// Eight minors of the cyclic columns; two of the six different ones come twice, in opposite order.
+inline bool AreCoincident(const ZULMRSBSPPlane& p, const ZULMRSBSPPlane& q)
+{
+    const bool areCartesian = AreCartesian(p, q);
+    for (std::size_t step = 1; step <= 2; ++step) {
+        for (std::size_t i = 0; i < 4; ++i) {
+            if (!Minor(p, q, areCartesian, i, (i + step) % 4).IsZero()) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+//---------------------------------------------------------------- orientation of coincident planes
+
+/// Both nonzero (a NaN is), and not of one sign.
+inline bool AreOpposite(double x, double y)
+{
+    const bool bothPositive = x > 0.0 && y > 0.0;
+    const bool bothNegative = x < 0.0 && y < 0.0;
+    return x != 0.0 && y != 0.0 && !bothPositive && !bothNegative;
+}
+
+template <class Number>
+ZULMRSBSPSign CoefficientSign(const Number& x)
+{
+    return ZULMRSBSPStages::SignOf(x);
+}
+inline ZULMRSBSPSign CoefficientSign(const ZULExpDynamic& x)
+{
+    return ZULMRSBSPFilter::FactorSign(x);
+}
+
+template <class Number>
+ZULMRSBSPSign CoefficientProduct(const ZULMRSBSPPlane& p, const ZULMRSBSPPlane& q, std::size_t i)
+{
+    return ZULMRSBSPStages::Run<Number>([&] {
+        const ZULMRSBSPEquation<Number> a(p);
+        const ZULMRSBSPEquation<Number> b(q);
+        return a && b ? CoefficientSign(a[i]) * CoefficientSign(b[i]) : ZULMRSBSPSign::Undecided();
+    });
+}
+
+/// A product that stays undecided counts as not negative.
+inline bool HaveSameOrientation(const ZULMRSBSPPlane& p, const ZULMRSBSPPlane& q)
+{
+    const bool areCartesian = AreCartesian(p, q);
+    for (std::size_t i = 0; i < 4; ++i) {
+        const bool opposite =
+            areCartesian ? AreOpposite(p.GetDouble(static_cast<int>(i)), q.GetDouble(static_cast<int>(i)))
+                         : ZULMRSBSPStages::FirstDecided(
+                               [&] { return CoefficientProduct<ZULExpDynamic>(p, q, i); },
+                               [&] { return CoefficientProduct<ZULExpInterval>(p, q, i); },
+                               [&] { return CoefficientProduct<ZULExpFloatRingExtensionTS>(p, q, i); })
+                               .IsNegative();
+        if (opposite) {
+            return false;
+        }
+    }
+    return true;
+}
+
+//---------------------------------------------------------------- validity
+
+/// What one stage knows of "the normal is not zero".
+enum class Validity { Valid, Invalid, Open };
+
+/// An equation that is missing counts as zero. Read through the plane's own accessors, whose answer is the
+/// point here.
+template <class Number>
+Validity ValidityIn(const ZULMRSBSPPlane& plane)
+{
+    const ZULMRSBSPQuadrupleHolder<Number> equation(plane.GetStdEquationTpl<Number>());
+    if (!equation) {
+        return Validity::Invalid;
+    }
+    const std::array<ZULMRSBSPSign, 3> signs = {CoefficientSign(equation[0]), CoefficientSign(equation[1]),
+                                                CoefficientSign(equation[2])};
+    if (std::any_of(signs.begin(), signs.end(), [](ZULMRSBSPSign s) { return !s.IsDecided(); })) {
+        return Validity::Open;
+    }
+    const bool isZero = std::all_of(signs.begin(), signs.end(), [](ZULMRSBSPSign s) { return s.IsZero(); });
+    return isZero ? Validity::Invalid : Validity::Valid;
+}
+
+inline bool IsValid(const ZULMRSBSPPlane& plane)
+{
+    if (ZULMRSBSPIsCartesian(plane)) {
+        const std::array<double, 4> e = plane.GetCoords();
+        return e[0] != 0.0 || e[1] != 0.0 || e[2] != 0.0;
+    }
+    Validity validity = ValidityIn<ZULExpDynamic>(plane);
+    if (validity == Validity::Open) {
+        validity = ValidityIn<ZULExpInterval>(plane);
+    }
+    if (validity == Validity::Open) {
+        validity = ValidityIn<ZULExpFloatRingExtensionTS>(plane);
+    }
+    return validity == Validity::Valid;
+}
+}  // namespace ZULMRSBSPPlaneRelations
+
+#endif

@@ -26,7 +26,8 @@ struct ZULMRSBSPExtraAttribute {
 /// polygon lies: 1 behind it, -1 in front of it, 0 not yet known. The polygon holds a reference on every
 /// plane and cached point. Shared and reference counted, created with one owner, destroyed only by the last
 /// Release(). Only GetCachedPoint and UpdatePoints may run on one polygon from several threads at once;
-/// everything that changes it needs exclusive access. Positions are not checked unless said.
+/// everything else that changes it needs exclusive access. Positions are not checked unless said. Open to
+/// derivation: a derived class sees every boundary through the virtual AddBoundary.
 class ZULMRSPlaneBasedInfra_API ZULMRSBSPPolygon
 {
 public:
@@ -68,6 +69,8 @@ public:
     std::size_t GetNbEdges() const { return m_Edges.size(); }
     std::size_t GetNbPoints() const { return m_Points.size(); }
     const ZULMRSBSPPlane* GetEdge(std::size_t position) const { return m_Edges[position]; }
+    /// The arrays themselves. Who changes a length through them answers for the references, and calls
+    /// ResizePoints before threads share the polygon again.
     std::vector<ZULMRSBSPPlane*>& GetAllEdges() { return m_Edges; }
     const std::vector<ZULMRSBSPPlane*>& GetAllEdges() const { return m_Edges; }
     std::vector<char>& GetAllEdgeOrientations() { return m_Orientations; }
@@ -84,13 +87,15 @@ public:
     /// The orientation of an edge, computed and kept when unknown, which needs the points; 0 when every
     /// vertex lies on the edge plane.
     char GetEdgeOrientation(std::size_t position);
-    /// Vertex i, made when missing; null when it cannot be made. The polygon keeps the reference.
+    /// Vertex i, made when missing; null when it cannot be made or the loop has no edge i. The polygon keeps
+    /// the reference. Safe from several threads at once, which then all get the same point.
     ZULMRSBSPPoint* GetCachedPoint(std::size_t position);
-    /// Fills an empty slot (taking a reference); a slot that holds a point is left alone.
+    /// Fills an empty slot, taking a reference; a slot that holds a point is left alone, and so is a position
+    /// outside the loop.
     void SetCachedPoint(std::size_t position, ZULMRSBSPPoint* point);
     /// Gives an empty points array one null slot per edge.
     void ResizePoints();
-    /// The edge that ends at vertex i, in loop direction.
+    /// The edge that ends at vertex i, in loop direction; both ends null without points.
     ZULMRSBSPPolygonEdge GetPolygonEdge(std::size_t position) const;
     /// All edges, edge 0 first, in loop direction or, when not oriented, each with the lower address first.
     std::vector<ZULMRSBSPPolygonEdge> GetAllPolygonEdges(bool oriented) const;
@@ -104,11 +109,13 @@ public:
 
     // === Maintenance of the vertices
 
-    /// Makes every missing vertex, in parallel, when there are not as many slots as edges; a cache of the
-    /// right length is not looked at. Always ZULMRSNoError.
+    /// Makes every missing vertex, in parallel, when there are not as many slots as edges (missing slots are
+    /// added); a cache of the right length is not looked at. Safe from several threads at once. Always
+    /// ZULMRSNoError.
     ZULMRSErrorTypes UpdatePoints();
-    /// Inserts a vertex, an edge plane and its orientation at one position, taking references.
-    /// ZULMRSErrorInvalidInput, and nothing changed, when the point or the plane is null.
+    /// Inserts a vertex, an edge plane and its orientation at one position, taking references; the vertex
+    /// ends the new edge and starts the one that stood there. ZULMRSErrorInvalidInput, and nothing changed,
+    /// when the point or the plane is null or an array ends before the position.
     ZULMRSErrorTypes InsertPointOnEdge(std::size_t position, ZULMRSBSPPoint* point, ZULMRSBSPPlane* plane,
                                        char orientation);
     /// Removes the vertices given, with the edges at their positions. Their references stay counted: the
@@ -146,12 +153,23 @@ protected:
     virtual ~ZULMRSBSPPolygon();
 
 private:
+    class PointsGuard;
+
     void AcquireLockForUpdatePoints();
     void ReleaseLockForUpdatePoints();
+    bool ArePointSlotsSettled() const;
+    void UnsettlePointSlots();
+    void AddMissingPointSlots();
+    ZULMRSBSPPoint* LoadPoint(std::size_t position);
+    void StorePoint(std::size_t position, ZULMRSBSPPoint* point);
+    void CreateMissingPoints();
+    void CreateBlockOfPoints(std::uint32_t block, std::uint32_t nbEdges);
     char ComputeEdgeOrientation(std::size_t position) const;
     ZULMRSBSPPoint* CreateVertex(std::size_t position) const;
 
     ZULMRSBSPReferenceCount m_Count;
+    /// Bit 0: a thread fills the points. Bit 1: the points array has all its slots, so that a reader without
+    /// the lock may look at its length.
     std::atomic<std::int32_t> m_PointsLock;
     ZULMRSBSPPlane* m_SupportingPlane;
     std::vector<ZULMRSBSPPlane*> m_Edges;

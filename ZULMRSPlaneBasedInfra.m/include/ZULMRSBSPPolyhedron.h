@@ -25,8 +25,9 @@ class ZULMRSBSPObjectFactory;
 
 /// A closed solid: polygons, each with an orientation (1: the positive side of its supporting plane is
 /// outside; -1: the negative side). Several polyhedra may hold one polygon. The polyhedron holds a reference
-/// on each polygon. Shared and reference counted, created with one owner, destroyed only by the last
-/// Release(). Not synchronised. Positions are not checked.
+/// on each polygon and never stores a null one. Shared and reference counted, created with one owner,
+/// destroyed only by the last Release(). Not synchronised: one polyhedron must not change while another
+/// thread reads it. Positions are not checked. Open to derivation.
 class ZULMRSPlaneBasedInfra_API ZULMRSBSPPolyhedron
 {
 public:
@@ -36,12 +37,14 @@ public:
 
     ZULMRSBSPPolyhedron();
     ZULMRSBSPPolyhedron(const ZULMRSBSPPolyhedron& other);
-    /// All faces of all parts, duplicates kept; no part may be null. Not counted as a construction.
+    /// All faces of all parts, duplicates kept; null parts are skipped. Not counted as a construction.
     explicit ZULMRSBSPPolyhedron(const std::vector<ZULMRSBSPPolyhedron*>& parts);
-    /// The six faces of a box; planes and corners come from the factory, or are unshared when it is null.
+    /// The six faces of a box; planes and corners come from the factory, or are unshared when it is null. A
+    /// plane that the factory refuses is missing from the loops, and the faces that need its corners have no
+    /// cached points.
     ZULMRSBSPPolyhedron(const ZULMathOBB& box, ZULMRSBSPObjectFactory* factory);
-    /// Copies the faces, taking references; the faces held before are not released and the count is not
-    /// copied.
+    /// Copies the faces, taking references; the faces held before are not released (their references pass to
+    /// the caller, in a self-assignment too) and the count is not copied.
     ZULMRSBSPPolyhedron& operator=(const ZULMRSBSPPolyhedron& other);
 
     // === Faces
@@ -50,15 +53,19 @@ public:
     void AddAPolygon(ZULMRSBSPPolygon* polygon, char orientation);
     /// Appends in order; null polygons are skipped with their orientation.
     void AddPolygons(const std::vector<Face>& faces);
-    /// Appends in reverse order, orientations negated when reverse is true.
+    /// Appends in reverse order, orientations negated when reverse is true. Nothing is added when there are
+    /// fewer orientations than polygons.
     void AddPolygons(const std::vector<ZULMRSBSPPolygon*>& polygons, const std::vector<char>& orientations,
                      bool reverse);
+    /// As for a vector; no thread may still be adding to the faces.
     void AddPolygons(const tbb::concurrent_vector<Face, tbb::cache_aligned_allocator<Face>>& faces);
     /// Removes the first occurrence and releases its reference.
     void RemovePolygon(ZULMRSBSPPolygon* polygon);
-    /// Replaces all faces: on a polyhedron that has faces, one reference of each given polygon is given up
-    /// first and the faces dropped keep theirs; then the given faces are added.
+    /// Replaces all faces. On a polyhedron that has faces, the references that the caller holds on the given
+    /// polygons pass to the polyhedron, and its references on the faces dropped pass to the caller; an empty
+    /// polyhedron takes references of its own.
     void ReplacePolygons(const std::vector<Face>& faces);
+    /// Negates every orientation.
     void ReversePolygonsOrientation();
 
     // === Access
@@ -101,8 +108,8 @@ public:
     ZULMRSErrorTypes ComputeAllEdges(std::unordered_set<ZULMRSBSPPlane*>& edgePlanes) const;
     std::unordered_set<ZULMRSBSPPoint*> GetAllPoints() const;
     std::vector<Face> GetAllPolygonsAndOrientations() const;
-    /// Exact for convex solids; the boundary counts as inside. std::out_of_range when orientations are
-    /// missing.
+    /// Exact for convex solids; the boundary counts as inside, a null point outside. A face without
+    /// supporting plane bounds nothing. std::out_of_range when orientations are missing.
     bool PointIsInside(const ZULMathPoint& point) const;
     bool PointIsInside(const ZULMRSBSPPoint* point) const;
     /// A box round all vertices, with a margin of 2.25 times the largest error of a point; 1.5 times that
@@ -111,7 +118,8 @@ public:
     ZULMathOBB GetOBB(double* error);
     /// Supporting planes bounding the solid: against first, along first, along D3, against D3, along D2,
     /// against D2, where (D2, D3) completes first to a basis, or is (second, first x second) when the two are
-    /// nearly parallel. No references are taken. There must be a polygon.
+    /// nearly parallel. "Along" is the plane's own normal, whatever the face's orientation. No references are
+    /// taken. All null when no face has a supporting plane.
     std::array<ZULMRSBSPPlane*, 6> GetBoundingPlanes(const ZULMathVector& first,
                                                      const ZULMathVector& second) const;
 
@@ -139,6 +147,7 @@ protected:
     virtual ~ZULMRSBSPPolyhedron();
 
 private:
+    void ReserveMore(std::size_t nbPolygons);
     void InitFromOBB(const ZULMathOBB& box, ZULMRSBSPObjectFactory* factory);
 
     std::vector<ZULMRSBSPPolygon*> m_Polygons;

@@ -124,11 +124,13 @@ private:
                                          std::numeric_limits<double>::infinity());
     }
 
-    // Each operation pins an operand before and the result after, so that no compiler moves it out of the
-    // guard's reach or computes it beforehand in another rounding mode.
+    // Each operation pins its operands, whatever it negates itself, and the result. So no compiler moves it
+    // out of the guard's reach, computes it beforehand in another rounding mode, or takes a minus sign out
+    // of a product, which would round it the other way.
     static Pair PinnedSum(Pair x, Pair y)
     {
         ZULExpProcessor::Pin(x);
+        ZULExpProcessor::Pin(y);
         Pair sum = ZULExpProcessor::Sum(x, y);
         ZULExpProcessor::Pin(sum);
         return sum;
@@ -139,13 +141,18 @@ private:
     {
         using namespace ZULExpProcessor;
         Pin(x);
+        Pin(y);
         const Pair exchanged = Exchanged(x);
         const Pair negatedLower = BothFirst(y);
         const Pair upper = BothSecond(y);
+        Pair lower = Negated(negatedLower);
+        Pair negatedUpper = Negated(upper);
+        Pin(lower);
+        Pin(negatedUpper);
         const Pair p1 = Product(x, upper);
-        const Pair p2 = Product(x, Negated(negatedLower));
+        const Pair p2 = Product(x, lower);
         const Pair p3 = Product(exchanged, negatedLower);
-        const Pair p4 = Product(exchanged, Negated(upper));
+        const Pair p4 = Product(exchanged, negatedUpper);
         int hasNaN = HasNaN(p1, p2, p3, p4);
         Pair product = Maximum(Maximum(p1, p2), Maximum(p3, p4));
         Pin(hasNaN);
@@ -153,22 +160,23 @@ private:
         return hasNaN != 0 ? WholeLine() : product;
     }
 
-    // For a positive divisor: a bound that grows with the quotient's numerator is divided by the divisor's
-    // near end where it is >= 0, by its far end where it is < 0. A negative divisor is that of the negated
-    // fraction.
+    // For a positive divisor: a bound is divided by the divisor's near end where it is >= 0, by its far end
+    // where it is < 0. A negative divisor is that of the fraction with both signs changed.
     static Pair PinnedQuotient(Pair x, Pair y)
     {
         using namespace ZULExpProcessor;
-        const bool isNegative = Second(y) < 0.0;
-        if (!isNegative && !(First(y) < 0.0)) {
+        Pin(x);
+        Pin(y);
+        const bool isNegative = IsBelowZero(Bits(Second(y)));
+        if (!isNegative && !IsBelowZero(Bits(First(y)))) {
             return WholeLine();
         }
         if (isNegative) {
             x = Exchanged(x);
             y = Exchanged(y);
         }
-        Pin(x);
-        const Pair divisor = ChooseBySign(x, Negated(BothFirst(y)), BothSecond(y));
+        Pair divisor = ChooseBySign(x, Negated(BothFirst(y)), BothSecond(y));
+        Pin(divisor);
         Pair quotient = Quotient(x, divisor);
         int hasNaN = HasNaN(quotient);
         Pin(hasNaN);

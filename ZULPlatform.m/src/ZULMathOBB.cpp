@@ -124,10 +124,14 @@ Cost CostOf(const Frame& frame, const std::vector<ZULMathVector>& points, double
 }
 
 /// The orthonormal frame with its first axis along u and its second in the plane of u and v. False when u or
-/// what v adds to it vanishes.
+/// what v adds to it vanishes beside points of size 1.
 bool MakeFrame(ZULMathVector u, ZULMathVector v, Frame& frame)
 {
+    constexpr double shortest = 1e-100;  // its square is still an ordinary number
     const double length = v.Norm();
+    if (!(u.Norm() > shortest && length > shortest)) {
+        return false;
+    }
     u.Normalize();
     // The second pass removes what cancellation left of u in v.
     v = v - (u * v) * u;
@@ -140,7 +144,7 @@ bool MakeFrame(ZULMathVector u, ZULMathVector v, Frame& frame)
     ZULMathVector w = u ^ v;
     w.Normalize();
     frame = {u, v, w};
-    return LargestComponent(w) > 0.0;
+    return true;
 }
 
 /// One step of Jacobi's method: turns the symmetric matrix and the axes in the plane of rows p and q so that

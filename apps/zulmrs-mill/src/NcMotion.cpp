@@ -6,8 +6,9 @@ namespace
 {
 
 constexpr unsigned kAllAxes = 7U;
-/// Keeps a few hostile lines (repeated drill cycles) from filling the memory.
-constexpr std::size_t kMaxMoves = 20'000'000;
+/// A few hostile lines of repeated drill cycles must not fill the memory. All other moves need text of their
+/// own.
+constexpr int kMaxCycleStrokes = 1'000'000;
 
 }  // namespace
 
@@ -31,8 +32,9 @@ NcMove NcMotion::NewMove(NcMoveKind iKind, const NcPosition& iTarget) const
 
 void NcMotion::Append(const NcMove& iMove, const NcPosition& iTarget)
 {
-    if (m_program.m_moves.size() >= kMaxMoves)
-        throw NcFault{"too many moves", fmt::format("a program may make {} moves", kMaxMoves)};
+    if (iMove.m_isCycleStroke && ++m_cycleStrokes > kMaxCycleStrokes)
+        throw NcFault{"too many strokes of drill cycles",
+                      fmt::format("a program may make {}", kMaxCycleStrokes)};
     m_program.m_moves.push_back(iMove);
     m_position = iTarget;
 }

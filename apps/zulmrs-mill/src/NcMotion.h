@@ -41,6 +41,7 @@ private:
     NcPosition m_position;
     int m_line = 0;
     int m_tool = kNcNoTool;
+    int m_cycleStrokes = 0;
 };
 
 #endif

@@ -59,6 +59,7 @@ double ToNumber(std::string_view iText)
 {
     const std::string_view unsignedText = iText.front() == '+' ? iText.substr(1) : iText;
     double value = 0.0;
+    const bool hasTwoSigns = iText.size() > unsignedText.size() && unsignedText.front() == '-';
     const char* const end = unsignedText.data() + unsignedText.size();
     const auto [rest, status] = std::from_chars(unsignedText.data(), end, value, std::chars_format::fixed);
     if (status == std::errc::result_out_of_range) {
@@ -69,7 +70,7 @@ double ToNumber(std::string_view iText)
             return 0.0;
         throw NcFault{fmt::format("number '{}' too large", NcPrintable(iText)), "it does not fit a double"};
     }
-    if (status != std::errc() || rest != end)
+    if (hasTwoSigns || status != std::errc() || rest != end)
         throw NcFault{fmt::format("malformed number '{}'", NcPrintable(iText)),
                       "a number is a sign, digits and one decimal point"};
     return value;
@@ -184,11 +185,12 @@ private:
     std::vector<std::size_t> m_partner;
 };
 
-/// The first line of some programs is a comment that lost its opening parenthesis.
+/// The first line of some programs is a comment that lost its opening parenthesis. The line is not blank.
 bool SkipBrokenHeader(std::string_view& ioLine)
 {
-    const std::size_t mark = ioLine.find_first_of("();%");
-    if (mark == std::string_view::npos || ioLine[mark] != ')')
+    const std::size_t mark = ioLine.find_first_of("();");
+    const bool isPercent = *std::find_if_not(ioLine.begin(), ioLine.end(), IsBlank) == '%';
+    if (isPercent || mark == std::string_view::npos || ioLine[mark] != ')')
         return false;
     ioLine.remove_prefix(mark + 1);
     return true;

@@ -41,12 +41,10 @@ public:
     ZULMRSCellCheckReport Run()
     {
         for (std::size_t cell = 0; cell < m_Cells.size() && !IsFull(); ++cell) {
-            if (!CheckCell(cell)) {
-                m_AreAllSound = false;
-            }
+            CheckCell(cell);
         }
         CheckHolders();
-        if (m_AreAllSound && !IsFull()) {
+        if (m_AreLoopsKnown && !IsFull()) {
             CheckSurface();
         }
         return std::move(m_Report);
@@ -85,33 +83,32 @@ private:
         return m_Polygons[m_PolygonNumbers.GetNumber(m_Cells[place.m_Cell]->GetPolygon(place.m_Position))];
     }
 
-    // False when the cell or a polygon of it is at fault.
-    bool CheckCell(std::size_t cell)
+    void CheckCell(std::size_t cell)
     {
         if (m_Cells[cell] == nullptr) {
             Add("Cell ", cell, " is null");
-            return false;
+            return;
         }
         const std::size_t nbPolygons = m_Cells[cell]->GetNbPolygons();
         const std::size_t nbOrientations = m_Cells[cell]->GetPolygonsOrientations().size();
         if (nbPolygons != nbOrientations) {
             Add("Cell ", cell, " has ", nbPolygons, " polygons, but ", nbOrientations, " orientations");
-            return false;
+            m_AreLoopsKnown = false;
+            return;
         }
         bool isSound = true;
         for (std::size_t position = 0; position < nbPolygons; ++position) {
             isSound = CheckFace({cell, position}) && isSound;
         }
+        m_AreLoopsKnown = m_AreLoopsKnown && isSound;
         if (isSound) {
-            const std::size_t nbFaults = m_Report.m_Faults.size();
             GatherPoints(cell);
             CheckEdges(cell);
             CheckConvexity(cell);
-            isSound = m_Report.m_Faults.size() == nbFaults;
         }
-        return isSound;
     }
 
+    // False when the face is at fault.
     bool CheckFace(const Place& place)
     {
         const ZULMRSBSPPolygon* polygon = m_Cells[place.m_Cell]->GetPolygon(place.m_Position);
@@ -257,10 +254,8 @@ private:
             const std::vector<Place>& holders = record.m_Holders;
             if (holders.size() > 2) {
                 Add(NameOf(holders[0]), " is held by ", holders.size(), " cells instead of at most 2");
-                m_AreAllSound = false;
             } else if (holders.size() == 2 && OrientationOf(holders[0]) == OrientationOf(holders[1])) {
                 Add(NameOf(holders[0]), " is held with the same orientation by cell ", holders[1].m_Cell);
-                m_AreAllSound = false;
             }
         }
     }
@@ -287,7 +282,7 @@ private:
     const std::vector<ZULMRSBSPPolyhedron*>& m_Cells;
     std::size_t m_MaxFaults;
     ZULMRSCellCheckReport m_Report;
-    bool m_AreAllSound = true;
+    bool m_AreLoopsKnown = true;
     ZULMRSNumbering<ZULMRSBSPPolygon> m_PolygonNumbers;
     ZULMRSNumbering<ZULMRSBSPPoint> m_PointNumbers;
     std::vector<PolygonRecord> m_Polygons;

@@ -21,9 +21,9 @@ inline void PrintTo(const mpq_class& value, std::ostream* stream)
 }
 
 /// Exact volumes in rational arithmetic, computed from nothing but the exact representations of points.
-namespace ZULTestVolume
+namespace ZULTest
 {
-using Location = std::array<mpq_class, 3>;
+using ExactLocation = std::array<mpq_class, 3>;
 
 /// The integer 2^bits.
 inline mpz_class PowerOfTwo(std::size_t bits)
@@ -34,7 +34,7 @@ inline mpz_class PowerOfTwo(std::size_t bits)
 }
 
 /// An exact number as a rational. Takes 53 bits at a time off the top, each of which a double holds exactly.
-inline mpq_class ToRational(const ZULExpFloatRingExtensionTS& number)
+inline mpq_class ExactRational(const ZULExpFloatRingExtensionTS& number)
 {
     const bool isNegative = number.Sign() < 0;
     ZULExpBigIntegerTS left = isNegative ? -number.GetInteger() : number.GetInteger();
@@ -61,12 +61,12 @@ inline mpq_class ToRational(const ZULExpFloatRingExtensionTS& number)
 }
 
 /// Where a point lies. The point must be valid.
-inline Location Locate(const ZULMRSBSPPoint& point)
+inline ExactLocation ExactLocate(const ZULMRSBSPPoint& point)
 {
     const auto [numbers, isOwned] = point.GetCartesianRepresentation_FloatRing();
-    const mpq_class w = ToRational((*numbers)[3]);
-    Location location{ToRational((*numbers)[0]) / w, ToRational((*numbers)[1]) / w,
-                      ToRational((*numbers)[2]) / w};
+    const mpq_class w = ExactRational((*numbers)[3]);
+    ExactLocation location{ExactRational((*numbers)[0]) / w, ExactRational((*numbers)[1]) / w,
+                           ExactRational((*numbers)[2]) / w};
     if (isOwned) {
         delete numbers;
     }
@@ -89,21 +89,21 @@ inline mpq_class Sum(std::vector<mpq_class> terms)
 
 /// Six times the signed volume between the origin and a polygon, seen from its plane's front.
 inline mpq_class SixfoldCone(const ZULMRSBSPPolygon& polygon,
-                             std::unordered_map<const ZULMRSBSPPoint*, Location>& locations)
+                             std::unordered_map<const ZULMRSBSPPoint*, ExactLocation>& locations)
 {
-    std::vector<const Location*> loop;
+    std::vector<const ExactLocation*> loop;
     for (const ZULMRSBSPPoint* point : polygon.GetPoints()) {
         auto place = locations.find(point);
         if (place == locations.end()) {
-            place = locations.emplace(point, Locate(*point)).first;
+            place = locations.emplace(point, ExactLocate(*point)).first;
         }
         loop.push_back(&place->second);
     }
     std::vector<mpq_class> terms;
     for (std::size_t i = 2; i < loop.size(); ++i) {
-        const Location& a = *loop[0];
-        const Location& b = *loop[i - 1];
-        const Location& c = *loop[i];
+        const ExactLocation& a = *loop[0];
+        const ExactLocation& b = *loop[i - 1];
+        const ExactLocation& c = *loop[i];
         terms.push_back(a[0] * (b[1] * c[2] - b[2] * c[1]) + a[1] * (b[2] * c[0] - b[0] * c[2]) +
                         a[2] * (b[0] * c[1] - b[1] * c[0]));
     }
@@ -113,7 +113,7 @@ inline mpq_class SixfoldCone(const ZULMRSBSPPolygon& polygon,
 /// The exact volume of a set of cells whose polygons have all their vertices. A polygon that two cells hold
 /// with opposite orientations cancels and is not computed; polygons are taken in the order in which the cells
 /// name them.
-inline mpq_class OfCells(const std::vector<ZULMRSBSPPolyhedron*>& cells)
+inline mpq_class ExactVolume(const std::vector<ZULMRSBSPPolyhedron*>& cells)
 {
     std::unordered_map<const ZULMRSBSPPolygon*, std::size_t> numbers;
     std::vector<std::pair<const ZULMRSBSPPolygon*, int>> polygons;
@@ -127,7 +127,7 @@ inline mpq_class OfCells(const std::vector<ZULMRSBSPPolyhedron*>& cells)
             polygons[place->second].second += static_cast<signed char>(cell->GetPolygonOrientation(i));
         }
     }
-    std::unordered_map<const ZULMRSBSPPoint*, Location> locations;
+    std::unordered_map<const ZULMRSBSPPoint*, ExactLocation> locations;
     std::vector<mpq_class> terms;
     for (const auto& [polygon, orientation] : polygons) {
         if (orientation != 0) {
@@ -136,12 +136,6 @@ inline mpq_class OfCells(const std::vector<ZULMRSBSPPolyhedron*>& cells)
     }
     return Sum(std::move(terms)) / 6;
 }
-
-/// The exact volume of one cell.
-inline mpq_class OfCell(ZULMRSBSPPolyhedron& cell)
-{
-    return OfCells({&cell});
-}
-}  // namespace ZULTestVolume
+}  // namespace ZULTest
 
 #endif

@@ -177,12 +177,12 @@ inline ZULMRSBSPSign ExactByPlanes(const ZULMRSBSPPlane& plane, const ZULMRSBSPP
 [[gnu::noinline]] inline ZULMRSBSPSign DecideCarefully(const ZULMRSBSPPlane& plane,
                                                        const ZULMRSBSPPoint& point, bool hasFiltered)
 {
+    if (point.GetP1() == nullptr || point.GetP2() == nullptr || point.GetP3() == nullptr) {
+        return ZULMRSBSPSign::Undecided();
+    }
     const RepresentationVerdict interval = IntervalByRepresentation(plane, point);
     if (interval.m_Sign.IsDecided()) {
         return interval.m_Sign;
-    }
-    if (point.GetP1() == nullptr || point.GetP2() == nullptr || point.GetP3() == nullptr) {
-        return ZULMRSBSPSign::Undecided();
     }
     const auto skip = [] { return ZULMRSBSPSign::Undecided(); };
     return ZULMRSBSPStages::FirstDecided(

@@ -1,0 +1,81 @@
+#include "MillCutter.h"
+
+#include <algorithm>
+#include <array>
+
+#include "MillSweep.h"
+
+namespace
+{
+
+/// Exact: the sum of two whole numbers of this size, halved, fits a double.
+ZULMathOBB ToBox(const MillBox& box)
+{
+    const auto half = [](std::int64_t value) { return static_cast<double>(value) / 2.0; };
+    const MillVector sum = box.m_Min + box.m_Max;
+    const MillVector size = box.m_Max - box.m_Min;
+    return ZULMathOBB(ZULMathOBBBase({1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0},
+                                     {half(size.m_X), half(size.m_Y), half(size.m_Z)},
+                                     {half(sum.m_X), half(sum.m_Y), half(sum.m_Z)}));
+}
+
+/// Leaves as large as a tool: larger ones collect the cells of many moves, smaller ones cut each sweep into
+/// many pieces.
+ZULMRSCuttingOptions OptionsFor(const MillPath& path)
+{
+    ZULMRSCuttingOptions options;
+    options.m_LeafSize = static_cast<double>(path.GetLargestReach());
+    return options;
+}
+
+}  // namespace
+
+MillCutter::MillCutter(const MillBox& stock, const MillPath& path)
+    : m_Stock(stock), m_Path(path), m_Solid(ToBox(stock), OptionsFor(path))
+{
+}
+
+void MillCutter::CutAll(MillProgress& progress)
+{
+    const std::size_t total = m_Path.m_Segments.size();
+    for (std::size_t i = 0; i < total; ++i) {
+        progress.Update(i, total);
+        if (!IsClearOfStock(m_Path.m_Segments[i]))
+            Cut(m_Path.m_Segments[i]);
+    }
+    progress.Finish();
+}
+
+bool MillCutter::IsClearOfStock(const MillPathSegment& segment) const
+{
+    const std::int64_t reach = m_Path.m_Tools[segment.m_Tool].m_Tool.GetReach();
+    const auto misses = [reach](std::int64_t from, std::int64_t to, std::int64_t low, std::int64_t high) {
+        return std::max(from, to) + reach <= low || std::min(from, to) - reach >= high;
+    };
+    return std::min(segment.m_Start.m_Z, segment.m_End.m_Z) >= m_Stock.m_Max.m_Z ||
+           misses(segment.m_Start.m_X, segment.m_End.m_X, m_Stock.m_Min.m_X, m_Stock.m_Max.m_X) ||
+           misses(segment.m_Start.m_Y, segment.m_End.m_Y, m_Stock.m_Min.m_Y, m_Stock.m_Max.m_Y);
+}
+
+void MillCutter::Cut(const MillPathSegment& segment)
+{
+    ++m_SweptCount;
+    const MillTool& tool = m_Path.m_Tools[segment.m_Tool].m_Tool;
+    const bool hasCut = m_Solid.Subtract(MillSweep(tool, segment.m_Start, segment.m_End));
+    if (hasCut && segment.m_IsRapid)
+        m_RapidTouchLines.push_back(segment.m_Line);
+}
+
+double MillCutter::GetVolume() const
+{
+    constexpr double kCube = kMillNanometresPerMm * kMillNanometresPerMm * kMillNanometresPerMm;
+    return m_Solid.GetVolume() / kCube;
+}
+
+ZULMRSSurfaceMesh MillCutter::ExtractSurface() const
+{
+    ZULMRSSurfaceMesh mesh = m_Solid.ExtractSurface();
+    for (ZULMathPoint& p : mesh.m_Vertices)
+        p = {p.x / kMillNanometresPerMm, p.y / kMillNanometresPerMm, p.z / kMillNanometresPerMm};
+    return mesh;
+}

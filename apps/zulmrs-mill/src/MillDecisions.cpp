@@ -1,0 +1,6 @@
+#include "MillDecisions.h"
+
+MillDecisions CollectDecisions()
+{
+    return {};
+}

@@ -31,6 +31,9 @@ function(zul_add_module NAME)
     PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/src)
   target_compile_definitions(${NAME} PRIVATE ${NAME}_EXPORTS)
   target_link_libraries(${NAME} PUBLIC ${ARG_PUBLIC} PRIVATE $<BUILD_INTERFACE:zul_build_options> ${ARG_PRIVATE})
+  set_target_properties(${NAME} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+  install(TARGETS ${NAME} EXPORT ZULMRSPlaneBasedInfraTargets)
+  install(DIRECTORY include/ DESTINATION include/${NAME})
 endfunction()
 
 # zul_directed_rounding(SOURCES...): sources that compute under a rounding guard.

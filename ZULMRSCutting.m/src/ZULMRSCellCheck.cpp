@@ -211,8 +211,8 @@ private:
                 return;
             }
             isClosed = false;
-            Add(NameOfEdge(group[0]), " that ", group.size(), " polygons of the cell meet, ",
-                CountForward(groups, group), " of them in one direction, instead of one in each");
+            Add(NameOfEdge(group[0]), " that the cell's polygons meet ", CountUses(groups, group),
+                " times in its two directions, instead of once in each");
         });
         const auto characteristic =
             static_cast<std::int64_t>(m_CellPoints.size() + nbFaces) - static_cast<std::int64_t>(nbEdges);
@@ -221,9 +221,13 @@ private:
         }
     }
 
-    static std::size_t CountForward(const ZULMRSEdgeGroups& groups, std::span<const std::uint32_t> group)
+    // How often the first edge of a group is met its own way and the other way, as text.
+    std::string CountUses(const ZULMRSEdgeGroups& groups, std::span<const std::uint32_t> group) const
     {
-        return static_cast<std::size_t>(static_cast<int>(group.size()) + groups.GetImbalance(group)) / 2;
+        const auto size = static_cast<int>(group.size());
+        const auto& first = m_Edges[group[0]];
+        const int imbalance = first[0] < first[1] ? groups.GetImbalance(group) : -groups.GetImbalance(group);
+        return std::to_string((size + imbalance) / 2) + " and " + std::to_string((size - imbalance) / 2);
     }
 
     void CheckConvexity(std::size_t cell)
@@ -271,8 +275,8 @@ private:
         const ZULMRSEdgeGroups groups(m_Edges, m_PointNumbers.GetObjects().size());
         groups.ForEach([&](auto group) {
             if (groups.GetImbalance(group) != 0) {
-                Add(NameOfEdge(group[0]), " that ", group.size(), " surface faces meet, ",
-                    CountForward(groups, group), " of them in one direction, instead of as many in each");
+                Add(NameOfEdge(group[0]), " that surface faces meet ", CountUses(groups, group),
+                    " times in its two directions, instead of equally often");
             }
         });
     }

@@ -74,10 +74,7 @@ void Require(bool condition, const char* text, int line)
 }
 }  // namespace
 
-ZULMRSCellComplex::ZULMRSCellComplex(ZULMRSBSPObjectFactory& factory)
-    : m_EdgePoints(factory), m_Factory(factory)
-{
-}
+ZULMRSCellComplex::ZULMRSCellComplex(ZULMRSBSPObjectFactory& factory) : m_EdgePoints(factory) {}
 
 ZULMRSCellComplex::~ZULMRSCellComplex()
 {
@@ -86,9 +83,9 @@ ZULMRSCellComplex::~ZULMRSCellComplex()
     }
 }
 
-ZULMRSCellComplex::CellId ZULMRSCellComplex::AddBox(const ZULMathOBB& box)
+ZULMRSCellComplex::CellId ZULMRSCellComplex::AddBox(const ZULMathOBB& box, ZULMRSBSPObjectFactory& factory)
 {
-    auto* polyhedron = new ZULMRSBSPPolyhedron(box, &m_Factory);
+    auto* polyhedron = new ZULMRSBSPPolyhedron(box, &factory);
     for (const ZULMRSBSPPolygon* polygon : polyhedron->GetPolygons()) {
         if (polygon->GetSupportingPlane() == nullptr || polygon->GetNbPoints() != 4) {
             polyhedron->Release();

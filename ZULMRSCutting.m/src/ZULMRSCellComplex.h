@@ -30,8 +30,8 @@ public:
     ZULMRSCellComplex(const ZULMRSCellComplex&) = delete;
     ZULMRSCellComplex& operator=(const ZULMRSCellComplex&) = delete;
 
-    /// A new cell, or NoCell when the box is refused.
-    CellId AddBox(const ZULMathOBB& box);
+    /// A new cell of planes and corners from the given factory, or NoCell when the box is refused.
+    CellId AddBox(const ZULMathOBB& box, ZULMRSBSPObjectFactory& factory);
 
     Position Locate(CellId cell, const ZULMRSBSPPlane& plane);
 
@@ -89,7 +89,6 @@ private:
     std::size_t m_NbCells = 0;
     std::vector<Holders> m_Faces;
     std::vector<std::uint32_t> m_FreeFaces;
-    ZULMRSBSPObjectFactory& m_Factory;
     ZULMRSPointSides m_Sides;
     std::vector<CrossingEdge> m_CrossingEdges;  // scratch
 };

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <limits>
 
+#include "ZULMRSExactPlanes.h"
+
 namespace
 {
 constexpr double LeafSizesPerExtent = 16.0;
@@ -48,7 +50,7 @@ ZULMRSCuttingSolid::Impl::Impl(const ZULMathOBB& stock, const ZULMRSCuttingOptio
         m_Factory->SetGriddingTolerance(stock, m_Options.m_GriddingTolerance) != ZULMRSNoError) {
         m_Options.m_GriddingTolerance = 0.0;
     }
-    const CellId cell = HasVolume(stock) ? m_Complex->AddBox(stock) : ZULMRSCellComplex::NoCell;
+    const CellId cell = HasVolume(stock) ? AddStock(stock) : ZULMRSCellComplex::NoCell;
     if (cell == ZULMRSCellComplex::NoCell) {
         return;
     }
@@ -56,6 +58,15 @@ ZULMRSCuttingSolid::Impl::Impl(const ZULMathOBB& stock, const ZULMRSCuttingOptio
     if (m_Options.m_LeafSize <= 0.0) {
         m_Options.m_LeafSize = LongestSide(0) / LeafSizesPerExtent;
     }
+}
+
+ZULMRSCuttingSolid::Impl::CellId ZULMRSCuttingSolid::Impl::AddStock(const ZULMathOBB& stock)
+{
+    if (m_Options.m_GriddingTolerance > 0.0) {
+        return m_Complex->AddBox(stock, *m_Factory);
+    }
+    ZULMRSExactPlanes exactPlanes(*m_Factory);
+    return m_Complex->AddBox(stock, exactPlanes);
 }
 
 ZULMRSCuttingSolid::Impl::~Impl()

@@ -46,6 +46,7 @@ private:
     };
     using Bounds = std::vector<Bound>;
 
+    CellId AddStock(const ZULMathOBB& stock);
     bool Apply(const ZULMRSConvexTool& tool, Operation operation);
     bool AcquireBound(const std::array<double, 4>& equation, Bounds& bounds);
     static void ReleaseBounds(const Bounds& bounds);

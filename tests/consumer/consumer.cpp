@@ -1,0 +1,21 @@
+#include <cstdio>
+#include <memory>
+
+#include "ZULMRSBSPObjectFactory.h"
+#include "ZULMRSBSPPolyhedron.h"
+#include "ZULMRSCuttingSolid.h"
+
+int main()
+{
+    const std::unique_ptr<ZULMRSBSPObjectFactory> factory(ZULMRSCreateObjectFactory(false));
+    const ZULMathOBB box(ZULMathOBBBase({1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 2, 3}, {0, 0, 0}));
+    auto* polyhedron = new ZULMRSBSPPolyhedron(box, factory.get());
+    const bool isInside = polyhedron->PointIsInside(ZULMathPoint(1.0, 2.0, 3.0)) &&
+                          !polyhedron->PointIsInside(ZULMathPoint(1.0, 2.0, 3.0000000000000004));
+    polyhedron->Release();
+
+    ZULMRSCuttingSolid solid(box);
+    solid.Subtract({{{-1, 0, 0, 0}}});
+    std::printf("%s %g\n", isInside ? "exact" : "wrong", solid.GetVolume());
+    return isInside && solid.GetVolume() == 24.0 ? 0 : 1;
+}

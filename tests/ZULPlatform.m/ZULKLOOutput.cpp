@@ -13,7 +13,7 @@
 #include <thread>
 #include <vector>
 
-#include "ZULChildProcess.h"
+#include "ZULTestChildProcess.h"
 
 namespace
 {
@@ -240,7 +240,7 @@ TEST(ZULKLOOutput, RedirectionWhileOthersWriteLosesNoLine)
 
 TEST(ZULKLOOutput, WritesFromBeforeMainToAfterStaticDestruction)
 {
-    const ZULChildResult child = ZULRunChild(ZUL_OUTPUT_CHILD);
+    const ZULTest::ChildResult child = ZULTest::RunChild(ZUL_OUTPUT_CHILD);
     EXPECT_EQ(child.m_ExitCode, 0);
     EXPECT_EQ(child.m_Output,
               "begin static\n"

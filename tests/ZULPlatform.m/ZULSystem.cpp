@@ -4,11 +4,10 @@
 
 #include <csignal>
 #include <cstdlib>
-#include <sstream>
 #include <string>
 
-#include "ZULChildProcess.h"
-#include "ZULKLOOutput.h"
+#include "ZULTestChildProcess.h"
+#include "ZULTestSupport.h"
 
 namespace
 {
@@ -18,19 +17,6 @@ void Remember(const char* message, const char* file, int line)
 {
     g_Handled = std::string(message) + "|" + file + "|" + std::to_string(line);
 }
-
-/// What is written to the diagnostic stream while it lives.
-class Redirection
-{
-public:
-    Redirection() : m_Before(ZULKLOOutput::Redirect(&m_Text)) {}
-    ~Redirection() { ZULKLOOutput::Redirect(m_Before); }
-    std::string Text() const { return m_Text.str(); }
-
-private:
-    std::ostringstream m_Text;
-    std::ostream* m_Before;
-};
 }  // namespace
 
 TEST(ZULSystem, GetEnvTellsUndefinedFromEmpty)
@@ -49,9 +35,9 @@ TEST(ZULSystem, AnInstalledHandlerMayReturn)
     EXPECT_EQ(ZULSetFatalErrorHandler(Remember), nullptr);
     std::string text;
     {
-        const Redirection redirection;
+        const ZULTest::LineCapture lines;
         ZULFatalError("AssertionFailed:a > b", nullptr, nullptr, nullptr, "Source", 211);
-        text = redirection.Text();
+        text = lines.GetText();
     }
     EXPECT_EQ(ZULSetFatalErrorHandler(nullptr), Remember);
     EXPECT_EQ(g_Handled, "AssertionFailed:a > b|Source|211");
@@ -63,10 +49,10 @@ TEST(ZULSystem, NullDetailsAreLeftOut)
     ZULSetFatalErrorHandler(Remember);
     std::string text;
     {
-        const Redirection redirection;
+        const ZULTest::LineCapture lines;
         ZULFatalError("m", "one", "two", "three", "f", 1);
         ZULFatalError("m", nullptr, "two", nullptr, "f", 2);
-        text = redirection.Text();
+        text = lines.GetText();
     }
     ZULSetFatalErrorHandler(nullptr);
     EXPECT_EQ(text, "[F] m (one two three) ( f : 1 )\n[F] m (two) ( f : 2 )\n");
@@ -74,7 +60,7 @@ TEST(ZULSystem, NullDetailsAreLeftOut)
 
 TEST(ZULSystem, WithoutHandlerTheProcessEndsAfterTheLine)
 {
-    const ZULChildResult child = ZULRunChild(ZUL_SYSTEM_CHILD);
+    const ZULTest::ChildResult child = ZULTest::RunChild(ZUL_SYSTEM_CHILD);
     EXPECT_EQ(child.m_Signal, SIGABRT);
     EXPECT_EQ(child.m_Output, "before\n[F] broken (one three) ( Source : 42 )\n");
 }

@@ -32,10 +32,19 @@ public:
     }
     ~ZULExpBigIntegerTS() { FreeHeap(); }
 
+    /// The number whose magnitude has these limbs, least significant first; zero limbs at the top may be
+    /// among them.
+    static ZULExpBigIntegerTS FromLimbs(const std::uint64_t* limbs, std::size_t nbLimbs, bool isNegative);
+
     /// -1, 0 or 1; always certain.
     ZULExpSign_t Sign() const noexcept { return (m_SignedSize > 0 ? 1 : 0) - (m_SignedSize < 0 ? 1 : 0); }
     bool IsZero() const noexcept { return m_SignedSize == 0; }
 
+    /// Number of 64-bit limbs of the magnitude; 0 for zero.
+    std::size_t GetNbLimbs() const noexcept { return Size(); }
+    /// The limbs of the magnitude, least significant first, the last one not 0. They belong to the number and
+    /// stay valid until it is changed, moved or destroyed.
+    const std::uint64_t* GetLimbs() const noexcept { return Limbs(); }
     /// Number of bits of the magnitude; 0 for zero.
     std::size_t GetBitLength() const noexcept;
     /// Number of zero bits below the lowest set bit; 0 for zero.

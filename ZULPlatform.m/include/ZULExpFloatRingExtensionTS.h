@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 #include "ZULExpBigIntegerTS.h"
 #include "ZULExpFloatStatus.h"
@@ -39,6 +40,13 @@ public:
         }
     }
 
+    /// integer * 2^exponent.
+    ZULExpFloatRingExtensionTS(ZULExpBigIntegerTS integer, std::int64_t exponent)
+        : m_Integer(std::move(integer)), m_Exponent(exponent)
+    {
+        Normalize();
+    }
+
     ZULExpSign_t Sign() const noexcept { return m_Integer.Sign(); }
     bool IsZero() const noexcept { return m_Integer.IsZero(); }
     /// True for a number greater than zero.
@@ -48,7 +56,7 @@ public:
     /// raises no flag.
     double Estimate() const noexcept;
 
-    /// The number is GetInteger() * 2^GetExponent(). The exponent of zero is 0.
+    /// The number is GetInteger() * 2^GetExponent(). The exponent of a zero says nothing.
     const ZULExpBigIntegerTS& GetInteger() const noexcept { return m_Integer; }
     std::int64_t GetExponent() const noexcept { return m_Exponent; }
 
@@ -76,7 +84,13 @@ private:
     void SetSum(const ZULExpFloatRingExtensionTS& x, const ZULExpFloatRingExtensionTS& y, bool isYNegated);
     void SetProduct(const ZULExpFloatRingExtensionTS& x, const ZULExpFloatRingExtensionTS& y);
     // Drops low zero limbs, so that numbers stay short.
-    void Normalize();
+    void Normalize()
+    {
+        if (m_Integer.Limbs()[0] == 0 && !m_Integer.IsZero()) {
+            DropLowZeroLimbs();
+        }
+    }
+    void DropLowZeroLimbs();
 
     static constexpr int SmallestExponent = -1074;  // of the unit of denormals
 

@@ -23,6 +23,15 @@ ZULExpBigIntegerTS::ZULExpBigIntegerTS(std::int64_t value) noexcept : ZULExpBigI
     SetMagnitude(value < 0 ? std::uint64_t{0} - bits : bits, value < 0);
 }
 
+ZULExpBigIntegerTS ZULExpBigIntegerTS::FromLimbs(const std::uint64_t* limbs, std::size_t nbLimbs,
+                                                 bool isNegative)
+{
+    ZULExpBigIntegerTS result;
+    std::copy_n(limbs, nbLimbs, result.MakeRoom(nbLimbs));
+    result.SetSize(nbLimbs, isNegative);
+    return result;
+}
+
 ZULExpBigIntegerTS::ZULExpBigIntegerTS(const ZULExpBigIntegerTS& other) : ZULExpBigIntegerTS()
 {
     std::copy_n(other.Limbs(), std::max(other.Size(), PaddedLimbs), MakeRoom(other.Size()));

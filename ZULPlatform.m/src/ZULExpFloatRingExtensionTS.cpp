@@ -48,12 +48,10 @@ double ZULExpFloatRingExtensionTS::Estimate() const noexcept
     return std::bit_cast<double>(sign | ((static_cast<std::uint64_t>(exponent) << 52) + mantissa));
 }
 
-inline void ZULExpFloatRingExtensionTS::Normalize()
+void ZULExpFloatRingExtensionTS::DropLowZeroLimbs()
 {
-    if (m_Integer.Limbs()[0] == 0) {
-        const auto dropped = static_cast<std::int64_t>(m_Integer.DropLowZeroLimbs());
-        m_Exponent = m_Integer.IsZero() ? 0 : AddExponents(m_Exponent, 64 * dropped);
-    }
+    const auto dropped = static_cast<std::int64_t>(m_Integer.DropLowZeroLimbs());
+    m_Exponent = AddExponents(m_Exponent, 64 * dropped);
 }
 
 inline void ZULExpFloatRingExtensionTS::SetSum(const ZULExpFloatRingExtensionTS& x,

@@ -1,0 +1,30 @@
+# Each public header compiles alone, twice in one source, as C++17 and as C++20, and shows no GMP.
+# cmake -DCOMPILER= -DFOLDER= -DINCLUDES=a;b -DSCRATCH= -P CheckHeaders.cmake
+file(GLOB HEADERS ${FOLDER}/*.h)
+if(NOT HEADERS)
+  message(FATAL_ERROR "no header in ${FOLDER}")
+endif()
+set(OPTIONS -Wall -Wextra -Wconversion -Werror)
+foreach(INCLUDE ${INCLUDES})
+  list(APPEND OPTIONS -I${INCLUDE})
+endforeach()
+file(MAKE_DIRECTORY ${SCRATCH})
+
+foreach(HEADER ${HEADERS})
+  get_filename_component(NAME ${HEADER} NAME)
+  set(SOURCE ${SCRATCH}/${NAME}.cpp)
+  file(WRITE ${SOURCE} "#include \"${NAME}\"\n#include \"${NAME}\"\n")
+  foreach(STANDARD 17 20)
+    execute_process(COMMAND ${COMPILER} -std=c++${STANDARD} ${OPTIONS} -fsyntax-only ${SOURCE}
+      RESULT_VARIABLE RESULT ERROR_VARIABLE ERRORS)
+    if(NOT RESULT EQUAL 0)
+      message(SEND_ERROR "${NAME} does not compile alone as C++${STANDARD}:\n${ERRORS}")
+    endif()
+  endforeach()
+  execute_process(COMMAND ${COMPILER} -std=c++20 ${OPTIONS} -E ${SOURCE}
+    RESULT_VARIABLE RESULT OUTPUT_VARIABLE TEXT ERROR_QUIET)
+  string(REGEX MATCH "[^\n]*(gmp\\.h|gmpxx|mpn_|mpz_|mp_limb|__GMP)[^\n]*" FOUND "${TEXT}")
+  if(NOT RESULT EQUAL 0 OR FOUND)
+    message(SEND_ERROR "${NAME} shows GMP: ${FOUND}")
+  endif()
+endforeach()

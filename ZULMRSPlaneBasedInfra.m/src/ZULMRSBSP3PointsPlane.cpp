@@ -33,12 +33,16 @@ struct RecordEqual {
 class RecordTable
 {
 public:
-    static RecordTable& Get()
-    {
-        static RecordTable table;
-        return table;
-    }
+    /// Made on first use.
+    static RecordTable& Get();
 
+    RecordTable() { m_Records.max_load_factor(1.0F); }
+    ~RecordTable()
+    {
+        for (const ZULMRSBSPCoordinateRecord* record : m_Records) {
+            delete record;
+        }
+    }
     RecordTable(const RecordTable&) = delete;
     RecordTable& operator=(const RecordTable&) = delete;
 
@@ -64,20 +68,15 @@ public:
     }
 
 private:
-    RecordTable() { m_Records.max_load_factor(1.0F); }
-    ~RecordTable()
-    {
-        for (const ZULMRSBSPCoordinateRecord* record : m_Records) {
-            delete record;
-        }
-    }
-
     ZULMRSBSPCoordinateRecord* FindOrInsert(const std::array<double, 3>& point)
     {
         ZULMRSBSPCoordinateRecord key{point};
         if (const auto found = m_Records.find(&key); found != m_Records.end()) {
             return *found;
         }
+        // The set computes its load with doubles, which must not trap where the caller has unmasked
+        // exceptions.
+        const ZULExpFloatScope scope;
         std::unique_ptr<ZULMRSBSPCoordinateRecord> record(new ZULMRSBSPCoordinateRecord{point});
         m_Records.insert(record.get());
         return record.release();
@@ -86,6 +85,16 @@ private:
     std::mutex m_Lock;
     std::unordered_set<ZULMRSBSPCoordinateRecord*, RecordHash, RecordEqual> m_Records;
 };
+
+// The table dies with the library. Its owner is made when the library is loaded, so it outlives the static
+// objects of the host, which may hold planes.
+std::unique_ptr<RecordTable> g_RecordTable;
+
+RecordTable& RecordTable::Get()
+{
+    static RecordTable& table = *(g_RecordTable = std::make_unique<RecordTable>());
+    return table;
+}
 
 void ReleaseRecord(ZULMRSBSPCoordinateRecord* record)
 {

@@ -1,0 +1,285 @@
+#include "ZULMRSSurfaceMesh.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <map>
+#include <set>
+#include <string>
+
+#include "ZULMRSBSPObjectFactory.h"
+#include "ZULMRSCellCheck.h"
+#include "ZULTestBlocks.h"
+#include "ZULTestVolume.h"
+
+namespace
+{
+using ZULTest::Block;
+using ZULTest::BlockCells;
+using ZULTest::DivideAtRandom;
+using ZULTest::DivideWholly;
+using ZULTest::ExactVolume;
+using ZULTest::OwnedPolyhedron;
+using ZULTest::Random;
+
+ZULMathOBB MakeBox(const ZULMathVector& extents, const ZULMathPoint& center)
+{
+    return ZULMathOBB(ZULMathOBBBase({1, 0, 0}, {0, 1, 0}, {0, 0, 1}, extents, center));
+}
+
+ZULMathVector NormalOf(const ZULMRSSurfaceMesh& mesh, const std::array<std::uint32_t, 3>& triangle)
+{
+    const ZULMathPoint& a = mesh.m_Vertices[triangle[0]];
+    return (mesh.m_Vertices[triangle[1]] - a) ^ (mesh.m_Vertices[triangle[2]] - a);
+}
+
+// For small integer coordinates, where doubles are exact.
+bool IsInsideEdge(const ZULMathPoint& p, const ZULMathPoint& a, const ZULMathPoint& b)
+{
+    const ZULMathVector cross = (b - a) ^ (p - a);
+    return cross * cross == 0.0 && (p - a) * (p - b) < 0.0;
+}
+
+std::size_t CountVerticesInsideEdges(const ZULMRSSurfaceMesh& mesh)
+{
+    std::size_t count = 0;
+    for (const auto& triangle : mesh.m_Triangles) {
+        for (std::size_t i = 0; i < 3; ++i) {
+            for (const ZULMathPoint& vertex : mesh.m_Vertices) {
+                count +=
+                    IsInsideEdge(vertex, mesh.m_Vertices[triangle[i]], mesh.m_Vertices[triangle[(i + 1) % 3]])
+                        ? 1
+                        : 0;
+            }
+        }
+    }
+    return count;
+}
+
+// What holds for the surface of any valid cells.
+ZULMRSSurfaceMesh ExtractSound(const std::vector<ZULMRSBSPPolyhedron*>& cells)
+{
+    for (const std::string& fault : ZULMRSCheckCells(cells).m_Faults) {
+        ADD_FAILURE() << fault;
+    }
+    ZULMRSSurfaceMesh mesh = ZULMRSExtractSurface(cells);
+    EXPECT_TRUE(mesh.IsClosed());
+    for (const auto& triangle : mesh.m_Triangles) {
+        EXPECT_GT(NormalOf(mesh, triangle).Norm(), 1e-9);
+    }
+    const double volume = ExactVolume(cells).get_d();
+    EXPECT_NEAR(mesh.GetVolume(), volume, 1e-12 * volume);
+    EXPECT_NEAR(ZULMRSVolumeOfCells(cells), volume, 1e-12 * volume);
+    return mesh;
+}
+
+void ExpectSize(const ZULMRSSurfaceMesh& mesh, std::size_t nbVertices, std::size_t nbTriangles)
+{
+    EXPECT_EQ(mesh.m_Vertices.size(), nbVertices);
+    EXPECT_EQ(mesh.m_Triangles.size(), nbTriangles);
+}
+
+std::size_t CountMaxUses(const ZULMRSSurfaceMesh& mesh)
+{
+    std::map<std::pair<std::uint32_t, std::uint32_t>, std::size_t> uses;
+    std::size_t most = 0;
+    for (const auto& triangle : mesh.m_Triangles) {
+        for (std::size_t i = 0; i < 3; ++i) {
+            most = std::max(most, ++uses[std::minmax(triangle[i], triangle[(i + 1) % 3])]);
+        }
+    }
+    return most;
+}
+
+const auto Everywhere = [](int, int, int) { return true; };
+
+TEST(ZULMRSSurfaceMesh, ABoxHasTwelveTriangles)
+{
+    const OwnedPolyhedron box(new ZULMRSBSPPolyhedron(MakeBox({1, 2, 3}, {0.5, 0, 0}), nullptr));
+    const ZULMRSSurfaceMesh mesh = ExtractSound({box.get()});
+    ExpectSize(mesh, 8, 12);
+    EXPECT_DOUBLE_EQ(mesh.GetVolume(), 48.0);
+    for (const auto& triangle : mesh.m_Triangles) {
+        const ZULMathVector outwards = mesh.m_Vertices[triangle[0]] - ZULMathPoint(0.5, 0, 0);
+        EXPECT_GT(NormalOf(mesh, triangle) * outwards, 0.0);
+    }
+}
+
+TEST(ZULMRSSurfaceMesh, AFaceWhosePlaneFacesInwardsIsTurnedOver)
+{
+    ZULTest::LineCapture lines;
+    const std::unique_ptr<ZULMRSBSPObjectFactory> factory(ZULMRSCreateObjectFactory(false));
+    ASSERT_EQ(factory->SetGriddingTolerance(MakeBox({8, 8, 8}, {0, 0, 0}), 1e-3), ZULMRSNoError);
+    bool isOpposite = false;
+    const auto held = ZULTest::Own(factory->CreatePlane({0, 0, 1, 3}, isOpposite, 0));
+    const OwnedPolyhedron box(new ZULMRSBSPPolyhedron(MakeBox({1, 2, 3}, {0, 0, 0}), factory.get()));
+    ASSERT_EQ(static_cast<signed char>(box->GetPolygonOrientation(0)), -1);
+    const ZULMRSSurfaceMesh mesh = ExtractSound({box.get()});
+    ExpectSize(mesh, 8, 12);
+    EXPECT_NEAR(mesh.GetVolume(), 48.0, 1e-2);
+}
+
+TEST(ZULMRSSurfaceMesh, AGridMergesBackIntoTheBox)
+{
+    const BlockCells cells(DivideWholly({6, 5, 4}, Everywhere));
+    ExpectSize(ExtractSound(cells.GetCells()), 8, 12);
+}
+
+TEST(ZULMRSSurfaceMesh, RandomWallsLeaveNoTrace)
+{
+    Random random(1);
+    for (int round = 0; round < 40; ++round) {
+        const auto blocks = DivideAtRandom(random, {{0, 0, 0}, {8, 9, 7}}, 4 + round);
+        const BlockCells straight(blocks);
+        ExpectSize(ExtractSound(straight.GetCells()), 8, 12);
+        const BlockCells skew(blocks, BlockCells::SkewNormals);
+        ExpectSize(ExtractSound(skew.GetCells()), 8, 12);
+    }
+}
+
+TEST(ZULMRSSurfaceMesh, PlanesThatAreSeveralObjectsAreRecognised)
+{
+    Random random(2);
+    for (int round = 0; round < 20; ++round) {
+        const auto blocks = DivideAtRandom(random, {{0, 0, 0}, {7, 6, 7}}, 30);
+        const BlockCells straight(blocks, BlockCells::AxisNormals, true);
+        ExpectSize(ExtractSound(straight.GetCells()), 8, 12);
+        const BlockCells skew(blocks, BlockCells::SkewNormals, true);
+        ExpectSize(ExtractSound(skew.GetCells()), 8, 12);
+    }
+}
+
+TEST(ZULMRSSurfaceMesh, FacesThatStayConcaveKeepOnlyTheirCorners)
+{
+    const BlockCells corner(DivideWholly({4, 4, 3}, [](int i, int j, int) { return i < 2 || j < 1; }));
+    ExpectSize(ExtractSound(corner.GetCells()), 12, 20);
+    const BlockCells tunnel(
+        DivideWholly({5, 5, 3}, [](int i, int j, int) { return i % 4 == 0 || j % 4 == 0; }));
+    ExpectSize(ExtractSound(tunnel.GetCells()), 16, 32);
+    const BlockCells cavity(
+        DivideWholly({5, 4, 6}, [](int i, int j, int k) { return i % 4 == 0 || j % 3 == 0 || k % 5 == 0; }));
+    ExpectSize(ExtractSound(cavity.GetCells()), 16, 24);
+    const BlockCells pocket(
+        DivideWholly({5, 5, 3}, [](int i, int j, int k) { return i % 4 == 0 || j % 4 == 0 || k == 0; }));
+    ExpectSize(ExtractSound(pocket.GetCells()), 16, 28);
+}
+
+TEST(ZULMRSSurfaceMesh, RandomSolidsHaveNoVertexInsideAnEdge)
+{
+    Random random(3);
+    for (int round = 0; round < 30; ++round) {
+        auto blocks = DivideAtRandom(random, {{0, 0, 0}, {6, 6, 6}}, 25);
+        for (Block& block : blocks) {
+            block.m_IsSolid = !random.OneIn(3);
+        }
+        const ZULMRSSurfaceMesh mesh = ExtractSound(BlockCells(blocks).GetCells());
+        // Where the solid touches itself along an edge, a vertex may lie on it.
+        if (CountMaxUses(mesh) == 2) {
+            EXPECT_EQ(CountVerticesInsideEdges(mesh), 0U);
+        }
+    }
+}
+
+TEST(ZULMRSSurfaceMesh, BoxesThatTouchAlongAnEdgeStayClosed)
+{
+    const auto diagonal = [](int i, int j, int) { return i == j; };
+    const BlockCells cells(DivideWholly({2, 2, 1}, diagonal));
+    const ZULMRSSurfaceMesh mesh = ExtractSound(cells.GetCells());
+    ExpectSize(mesh, 14, 24);
+    EXPECT_EQ(CountMaxUses(mesh), 4U);
+}
+
+TEST(ZULMRSSurfaceMesh, AVertexAlongATouchingEdgeGoesWhereAllFacesAgree)
+{
+    const auto diagonal = [](int i, int j, int) { return (i < 2) == (j < 3); };
+    const BlockCells cells(DivideWholly({4, 5, 6}, diagonal));
+    ExpectSize(ExtractSound(cells.GetCells()), 14, 24);
+}
+
+TEST(ZULMRSSurfaceMesh, AVertexAlongATouchingEdgeStaysWhereOneFaceNeedsIt)
+{
+    // Two blocks that touch along an edge, one of which is lower than the other.
+    const BlockCells cells(DivideWholly(
+        {2, 2, 3}, [](int i, int j, int k) { return (i == 0 && j == 0) || (i == 1 && j == 1 && k < 2); }));
+    const ZULMRSSurfaceMesh mesh = ExtractSound(cells.GetCells());
+    // Both boxes need the lower end of the edge, and the tall one the lower one's upper end as well.
+    ExpectSize(mesh, 15, 26);
+    EXPECT_EQ(CountVerticesInsideEdges(mesh), 0U);
+}
+
+TEST(ZULMRSSurfaceMesh, BoxesThatTouchInAVertexStayClosed)
+{
+    const BlockCells cells(DivideWholly({2, 2, 2}, [](int i, int j, int k) { return i == j && j == k; }));
+    ExpectSize(ExtractSound(cells.GetCells()), 15, 24);
+    const BlockCells divided(DivideWholly(
+        {4, 4, 4}, [](int i, int j, int k) { return (i < 2) == (j < 2) && (j < 2) == (k < 2); }));
+    ExpectSize(ExtractSound(divided.GetCells()), 15, 24);
+}
+
+TEST(ZULMRSSurfaceMesh, TheSameSolidGivesTheSameMesh)
+{
+    Random random(4);
+    const auto blocks = DivideAtRandom(random, {{0, 0, 0}, {8, 8, 8}}, 60);
+    const BlockCells first(blocks, BlockCells::SkewNormals);
+    std::vector<std::unique_ptr<BlockCells>> others;
+    const ZULMRSSurfaceMesh expected = ZULMRSExtractSurface(first.GetCells());
+    for (int i = 0; i < 5; ++i) {
+        others.push_back(std::make_unique<BlockCells>(blocks, BlockCells::SkewNormals));
+        const ZULMRSSurfaceMesh mesh = ZULMRSExtractSurface(others.back()->GetCells());
+        EXPECT_EQ(mesh.m_Triangles, expected.m_Triangles);
+        EXPECT_EQ(mesh.m_Vertices, expected.m_Vertices);
+        if (i % 2 == 0) {
+            others.erase(others.begin());
+        }
+    }
+}
+
+TEST(ZULMRSSurfaceMesh, WhatIsMissingLeavesAHole)
+{
+    EXPECT_TRUE(ZULMRSExtractSurface({}).m_Triangles.empty());
+    EXPECT_TRUE(ZULMRSExtractSurface({nullptr}).m_Triangles.empty());
+    const OwnedPolyhedron box(new ZULMRSBSPPolyhedron(MakeBox({1, 1, 1}, {0, 0, 0}), nullptr));
+    box->GetPolygon(2)->DEBUG_ClearAllPoints();
+    const ZULMRSSurfaceMesh mesh = ZULMRSExtractSurface({box.get()});
+    EXPECT_EQ(mesh.m_Triangles.size(), 10U);
+    EXPECT_FALSE(mesh.IsClosed());
+    box->GetPolygonsOrientations().pop_back();
+    EXPECT_EQ(ZULMRSExtractSurface({box.get()}).m_Triangles.size(), 8U);
+}
+
+TEST(ZULMRSSurfaceMesh, ClosedIsEveryEdgeAsOftenAsItsReverse)
+{
+    ZULMRSSurfaceMesh mesh;
+    EXPECT_TRUE(mesh.IsClosed());
+    EXPECT_EQ(mesh.GetVolume(), 0.0);
+    mesh.m_Vertices = {{0, 0, 0}, {6, 0, 0}, {0, 1, 0}, {0, 0, 1}};
+    mesh.m_Triangles = {{0, 2, 1}, {0, 1, 3}, {1, 2, 3}, {0, 3, 2}};
+    EXPECT_TRUE(mesh.IsClosed());
+    EXPECT_DOUBLE_EQ(mesh.GetVolume(), 1.0);
+    for (auto& triangle : mesh.m_Triangles) {
+        std::swap(triangle[0], triangle[1]);
+    }
+    EXPECT_TRUE(mesh.IsClosed());
+    EXPECT_DOUBLE_EQ(mesh.GetVolume(), -1.0);
+    ZULMRSSurfaceMesh turned = mesh;
+    std::swap(turned.m_Triangles[2][0], turned.m_Triangles[2][1]);
+    EXPECT_FALSE(turned.IsClosed());
+    ZULMRSSurfaceMesh open = mesh;
+    open.m_Triangles.pop_back();
+    EXPECT_FALSE(open.IsClosed());
+    ZULMRSSurfaceMesh lost = mesh;
+    lost.m_Triangles.push_back({0, 1, 4});
+    EXPECT_FALSE(lost.IsClosed());
+    EXPECT_DOUBLE_EQ(lost.GetVolume(), -1.0);
+    mesh.m_Triangles.insert(mesh.m_Triangles.end(), mesh.m_Triangles.begin(), mesh.m_Triangles.end());
+    EXPECT_TRUE(mesh.IsClosed());
+}
+
+TEST(ZULMRSSurfaceMesh, VolumeIsGoodFarFromTheOrigin)
+{
+    const OwnedPolyhedron box(
+        new ZULMRSBSPPolyhedron(MakeBox({1, 1, 1}, {1048576, -1048576, 524288}), nullptr));
+    EXPECT_DOUBLE_EQ(ZULMRSExtractSurface({box.get()}).GetVolume(), 8.0);
+    EXPECT_DOUBLE_EQ(ZULMRSVolumeOfCells({box.get()}), 8.0);
+}
+}  // namespace

@@ -101,13 +101,14 @@ inline double UnitsOf(const ZULExpDynamic& x)
     return static_cast<double>(x.GetCount() + 2U);
 }
 
-/// Sign of a kept number, as a factor. Its making met no underflow, so magnitude 0 means exactly zero; a
-/// bound among the denormals proves nothing.
+/// Sign of a kept number, as a factor. Its making met no underflow, so magnitude 0 means exactly zero, and a
+/// normal magnitude leaves a bound among the denormals enough of its slack.
 inline ZULMRSBSPSign FactorSign(const ZULExpDynamic& x)
 {
     const double magnitude = x.GetMagnitude();
-    return IsSafe(magnitude) || magnitude == 0.0 ? Compare(x.GetValue(), Bound(UnitsOf(x), magnitude))
-                                                 : ZULMRSBSPSign::Undecided();
+    const bool isKept = magnitude >= std::numeric_limits<double>::min() || magnitude == 0.0;
+    return isKept && magnitude <= std::numeric_limits<double>::max() ? ZULMRSBSPSign::FromNumber(x.Sign())
+                                                                     : ZULMRSBSPSign::Undecided();
 }
 }  // namespace ZULMRSBSPFilter
 

@@ -79,6 +79,7 @@ ZULMRSExtendedBool IsPointInFrontOfPlane(const ZULMRSBSPPlane& plane, const ZULM
 ZULMRSExtendedBool IsPointInFrontOfPlane(const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& point)
 {
     if (ZULMRSBSPOrientation::IsOwnPlane(plane, point)) {
+        ZULMRSBSPStageCounters::Count(ZULMRSBSPStage::Shortcut);
         return ZULMRSExtendedUndetermined;
     }
     const ZULExpFloatScope scope;

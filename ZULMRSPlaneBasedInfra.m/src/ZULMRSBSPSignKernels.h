@@ -194,9 +194,10 @@ public:
         for (double& input : inputs) {
             ZULExpProcessor::Pin(input);
         }
-        ZULMRSBSPSign sign = Shortcut(inputs);
+        using ZULMRSBSPStages::Counted;
+        ZULMRSBSPSign sign = Counted(ZULMRSBSPStage::Shortcut, Shortcut(inputs));
         if (!sign.IsDecided()) {
-            sign = Filter(inputs);
+            sign = Counted(ZULMRSBSPStage::Filter, Filter(inputs));
         }
         return sign.IsDecided() ? sign : DecideCarefully(inputs);
     }

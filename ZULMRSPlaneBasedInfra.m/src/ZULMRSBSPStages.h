@@ -9,6 +9,7 @@
 #include "ZULExpInterval.h"
 #include "ZULMRSBSPFilter.h"
 #include "ZULMRSBSPSign.h"
+#include "ZULMRSBSPStageCounters.h"
 
 /// The floating-point environment in which an arithmetic computes, with no flag raised. Stands inside a
 /// ZULExpFloatScope, which has read the caller's control word once and puts it back at the end: here the word
@@ -60,6 +61,23 @@ inline ZULMRSBSPSign SignOfDeep(const ZULExpFloatRingExtensionTS& x)
     return SignOf(x);
 }
 
+/// The stage that computes in an arithmetic.
+template <class Number>
+constexpr ZULMRSBSPStage StageOf = ZULMRSBSPStage::Filter;
+template <>
+inline constexpr ZULMRSBSPStage StageOf<ZULExpInterval> = ZULMRSBSPStage::Interval;
+template <>
+inline constexpr ZULMRSBSPStage StageOf<ZULExpFloatRingExtensionTS> = ZULMRSBSPStage::Exact;
+
+/// The sign, counted for the stage when it is decided.
+inline ZULMRSBSPSign Counted(ZULMRSBSPStage stage, ZULMRSBSPSign sign)
+{
+    if (sign.IsDecided()) {
+        ZULMRSBSPStageCounters::Count(stage);
+    }
+    return sign;
+}
+
 /// One stage: what evaluate() says of the sign, in the environment of its arithmetic. An interval or exact
 /// stage that met underflow, overflow or a denormal operand is undecided; the floating stage sees to that
 /// itself, where it decides.
@@ -69,7 +87,7 @@ ZULMRSBSPSign Run(const Evaluate& evaluate)
     const ZULMRSBSPEnvironment<Number> environment;
     int result = evaluate().ToKernelResult();
     ZULExpProcessor::Pin(result);
-    return ZULMRSBSPSign::FromNumber(result);
+    return Counted(StageOf<Number>, ZULMRSBSPSign::FromNumber(result));
 }
 template <class Number, class Evaluate>
 ZULMRSBSPSign RunChecked(const Evaluate& evaluate)

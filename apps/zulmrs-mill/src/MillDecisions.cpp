@@ -1,6 +1,9 @@
 #include "MillDecisions.h"
 
+#include "ZULMRSBSPStageStatistics.h"
+
 MillDecisions CollectDecisions()
 {
-    return {};
+    const ZULMRSBSPStageStatistics statistics = ZULMRSBSPStageStatistics::Get();
+    return {statistics.m_Shortcut, statistics.m_Filter, statistics.m_Interval, statistics.m_Exact};
 }

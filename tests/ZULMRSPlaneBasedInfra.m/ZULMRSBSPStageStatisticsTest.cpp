@@ -1,0 +1,61 @@
+#include "ZULMRSBSPStageStatistics.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "ZULMRSBSPPredicates.h"
+
+namespace
+{
+/// What a piece of work added to the counts.
+template <class Work>
+ZULMRSBSPStageStatistics CountsOf(const Work& work)
+{
+    const ZULMRSBSPStageStatistics before = ZULMRSBSPStageStatistics::Get();
+    work();
+    const ZULMRSBSPStageStatistics after = ZULMRSBSPStageStatistics::Get();
+    return {after.m_Shortcut - before.m_Shortcut, after.m_Filter - before.m_Filter,
+            after.m_Interval - before.m_Interval, after.m_Exact - before.m_Exact};
+}
+
+void ExpectCounts(const ZULMRSBSPStageStatistics& counts, std::uint64_t shortcut, std::uint64_t filter,
+                  std::uint64_t interval, std::uint64_t exact)
+{
+    const std::uint64_t once = ZULMRSBSPStageStatistics::IsCounting() ? 1 : 0;
+    EXPECT_EQ(counts.m_Shortcut, once * shortcut);
+    EXPECT_EQ(counts.m_Filter, once * filter);
+    EXPECT_EQ(counts.m_Interval, once * interval);
+    EXPECT_EQ(counts.m_Exact, once * exact);
+}
+
+TEST(ZULMRSBSPStageStatisticsTest, EveryDecisionCountsForItsStage)
+{
+    using ZULMRSBSPPredicates::SignOf2x2Determinant;
+    ExpectCounts(CountsOf([] { SignOf2x2Determinant(1, -1, 1, 1); }), 1, 0, 0, 0);
+    ExpectCounts(CountsOf([] { SignOf2x2Determinant(3, 1, 1, 1); }), 0, 1, 0, 0);
+    ExpectCounts(CountsOf([] { SignOf2x2Determinant(1, 1, 1, 1); }), 0, 0, 1, 0);
+    ExpectCounts(CountsOf([] { SignOf2x2Determinant(0.1, 0.3, 0.1, 0.3); }), 0, 0, 0, 1);
+}
+
+TEST(ZULMRSBSPStageStatisticsTest, APlaneOfThePointItselfIsAShortcut)
+{
+    ZULMRSBSPPoint* point = ZULMRSBSPPointNS::CreatePoint(ZULMathPoint(1, 2, 3));
+    ExpectCounts(CountsOf([point] { ZULMRSBSPPredicates::IsPointInFrontOfPlane(*point->GetP1(), *point); }),
+                 1, 0, 0, 0);
+    point->Release();
+}
+
+TEST(ZULMRSBSPStageStatisticsTest, ThreadsThatHaveEndedStillCount)
+{
+    const auto work = [] {
+        std::thread thread([] {
+            for (int index = 0; index < 100; ++index) {
+                ZULMRSBSPPredicates::SignOf2x2Determinant(3, 1, 1, 1);
+            }
+        });
+        thread.join();
+    };
+    ExpectCounts(CountsOf(work), 0, 100, 0, 0);
+}
+}  // namespace

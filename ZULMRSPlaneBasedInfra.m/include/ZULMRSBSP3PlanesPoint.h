@@ -39,6 +39,8 @@ private:
 
     std::array<ZULExpDynamic, 4> m_Representation;
     bool m_RepresentationValid;
+
+    friend struct ZULMRSBSPDirectReads;
 };
 
 #endif

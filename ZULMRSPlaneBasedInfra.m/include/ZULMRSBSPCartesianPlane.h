@@ -30,6 +30,8 @@ public:
 
 private:
     std::array<double, 4> m_Coords;
+
+    friend struct ZULMRSBSPDirectReads;
 };
 
 #endif

@@ -35,6 +35,8 @@ private:
     void Orient();
 
     std::array<double, 3> m_Coordinates;
+
+    friend struct ZULMRSBSPDirectReads;
 };
 
 #endif

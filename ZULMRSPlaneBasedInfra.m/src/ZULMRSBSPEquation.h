@@ -11,6 +11,8 @@
 #include "ZULExpInterval.h"
 #include "ZULMRSBSP3PlanesPoint.h"
 #include "ZULMRSBSP3PointsPlane.h"
+#include "ZULMRSBSPCartesianPlane.h"
+#include "ZULMRSBSPCartesianPoint.h"
 #include "ZULMRSBSPFormulas.h"
 #include "ZULMRSBSPPlane.h"
 #include "ZULMRSBSPPoint.h"
@@ -20,16 +22,56 @@
 // Cartesian plane is its doubles. Where an accessor could be overridden it is called; only an object of
 // exactly the library's class is read past it.
 
+/// The data of objects whose class is exactly the library's: no class derived from it can tell. Addresses of
+/// type descriptions are compared; should one stand twice in a process, the accessors are called.
+struct ZULMRSBSPDirectReads {
+    /// The coefficients; null for any other plane.
+    static const std::array<double, 4>* Coords(const ZULMRSBSPPlane& plane)
+    {
+        return Is<ZULMRSBSPCartesianPlane>(plane)
+                   ? &static_cast<const ZULMRSBSPCartesianPlane&>(plane).m_Coords
+                   : nullptr;
+    }
+    /// The coordinates; null for any other point.
+    static const std::array<double, 3>* Coordinates(const ZULMRSBSPPoint& point)
+    {
+        return Is<ZULMRSBSPCartesianPoint>(point)
+                   ? &static_cast<const ZULMRSBSPCartesianPoint&>(point).m_Coordinates
+                   : nullptr;
+    }
+    static bool Is3PlanesPoint(const ZULMRSBSPPoint& point) { return Is<ZULMRSBSP3PlanesPoint>(point); }
+    /// What a three-planes point keeps; null when it is not valid.
+    static const std::array<ZULExpDynamic, 4>* Representation(const ZULMRSBSP3PlanesPoint& point)
+    {
+        return point.m_RepresentationValid ? &point.m_Representation : nullptr;
+    }
+    static bool Is3PointsPlane(const ZULMRSBSPPlane& plane) { return Is<ZULMRSBSP3PointsPlane>(plane); }
+
+private:
+    template <class Class, class Base>
+    static bool Is(const Base& object)
+    {
+        return &typeid(object) == &typeid(Class);
+    }
+};
+
 inline bool ZULMRSBSPIsCartesian(const ZULMRSBSPPlane& plane)
 {
-    return plane.GetType() == ZULMRSBSPPlaneType_Cartesian;
+    return ZULMRSBSPDirectReads::Coords(plane) != nullptr || plane.GetType() == ZULMRSBSPPlaneType_Cartesian;
+}
+
+/// The doubles of a plane known to be Cartesian.
+inline std::array<double, 4> ZULMRSBSPCoords(const ZULMRSBSPPlane& plane)
+{
+    const std::array<double, 4>* coords = ZULMRSBSPDirectReads::Coords(plane);
+    return coords != nullptr ? *coords : plane.GetCoords();
 }
 
 /// The defining points of a three-points plane; empty for any other plane.
 inline std::optional<std::array<std::array<double, 3>, 3>> ZULMRSBSPDefiningPoints(
     const ZULMRSBSPPlane& plane)
 {
-    if (typeid(plane) == typeid(ZULMRSBSP3PointsPlane)) [[likely]] {
+    if (ZULMRSBSPDirectReads::Is3PointsPlane(plane)) [[likely]] {
         return static_cast<const ZULMRSBSP3PointsPlane&>(plane).Get3Points();
     }
     if (plane.GetType() == ZULMRSBSPPlaneType_3Points) {
@@ -49,7 +91,7 @@ public:
     explicit ZULMRSBSPEquation(const ZULMRSBSPPlane& plane)
     {
         if (ZULMRSBSPIsCartesian(plane)) {
-            Keep(ZULMRSBSPFormulas::Convert<Number>(plane.GetCoords()));
+            Keep(ZULMRSBSPFormulas::Convert<Number>(ZULMRSBSPCoords(plane)));
         } else if (!ComputesItself || !KeepFromPoints(plane)) {
             m_Held.emplace(plane.GetStdEquationTpl<Number>());
             m_Numbers = *m_Held ? &**m_Held : nullptr;
@@ -74,7 +116,7 @@ private:
     bool KeepFromPoints(const ZULMRSBSPPlane& plane)
     {
         using namespace ZULMRSBSPFormulas;
-        if (typeid(plane) != typeid(ZULMRSBSP3PointsPlane)) {
+        if (!ZULMRSBSPDirectReads::Is3PointsPlane(plane)) {
             return false;
         }
         const auto points = static_cast<const ZULMRSBSP3PointsPlane&>(plane).Get3Points();
@@ -110,7 +152,7 @@ public:
 private:
     bool KeepFromPlanes(const ZULMRSBSPPoint& point)
     {
-        if (typeid(point) != typeid(ZULMRSBSP3PlanesPoint)) {
+        if (!ZULMRSBSPDirectReads::Is3PlanesPoint(point)) {
             return false;
         }
         std::array<std::array<ZULExpInterval, 4>, 3> equations;
@@ -119,7 +161,7 @@ private:
             if (plane == nullptr || !ZULMRSBSPIsCartesian(*plane)) {
                 return false;
             }
-            equations[i] = ZULMRSBSPFormulas::Convert<ZULExpInterval>(plane->GetCoords());
+            equations[i] = ZULMRSBSPFormulas::Convert<ZULExpInterval>(ZULMRSBSPCoords(*plane));
         }
         m_Computed = ZULMRSBSPFormulas::MeetingPoint(equations[0], equations[1], equations[2]);
         m_Numbers = &m_Computed;

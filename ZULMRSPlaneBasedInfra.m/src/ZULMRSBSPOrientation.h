@@ -57,12 +57,12 @@ inline ZULMRSBSPSign ExactAtCoordinates(const ZULMRSBSPPlane& plane, const ZULMa
 inline ZULMRSBSPSign AtCoordinates(const ZULMRSBSPPlane& plane, const ZULMathPoint& point)
 {
     if (ZULMRSBSPIsCartesian(plane)) [[likely]] {
-        const std::array<double, 4> e = plane.GetCoords();
+        const std::array<double, 4> e = ZULMRSBSPCoords(plane);
         return ZULMRSBSPKernel<ZULMRSBSPEquationKernel>::Decide(
             {e[0], e[1], e[2], e[3], point.x, point.y, point.z});
     }
     if (IsDefiningPoint(plane, point)) {
-        return ZULMRSBSPSign::Zero();
+        return ZULMRSBSPStages::Counted(ZULMRSBSPStage::Shortcut, ZULMRSBSPSign::Zero());
     }
     return ZULMRSBSPStages::FirstDecided([&] { return FilterAtCoordinates(plane, point); },
                                          [&] { return IntervalAtCoordinates(plane, point); },
@@ -78,13 +78,11 @@ struct RepresentationVerdict {
     ZULMRSBSPSign m_Sign;
 };
 
-/// The filtered representation tells nothing when it is missing, still holds the placeholders, or its W is
-/// not certainly positive: an undecided filter may have left the kept numbers with the sign of another order
-/// of the triple.
-inline bool IsUsable(const ZULMRSBSPQuadrupleHolder<ZULExpDynamic>& representation)
+/// The filtered representation tells nothing when it still holds the placeholders, or its W is not certainly
+/// positive: an undecided filter may have left the kept numbers with the sign of another order of the triple.
+inline bool IsUsable(const std::array<ZULExpDynamic, 4>& representation)
 {
-    return representation && !representation[3].IsPlaceholder() &&
-           ZULMRSBSPFilter::FactorSign(representation[3]).IsPositive();
+    return !representation[3].IsPlaceholder() && ZULMRSBSPFilter::FactorSign(representation[3]).IsPositive();
 }
 
 /// From the signs of the four terms alone.
@@ -98,23 +96,39 @@ inline ZULMRSBSPSign ShortcutByRepresentation(const std::array<ZULExpDynamic, 4>
                                             FactorSign(equation[3]) * FactorSign(representation[3]));
 }
 
+/// The value decides nearly always and costs less than the signs of the terms, which decide some more.
+inline ZULMRSBSPSign FilterEquation(const std::array<ZULExpDynamic, 4>& equation,
+                                    const std::array<ZULExpDynamic, 4>& representation)
+{
+    const ZULMRSBSPSign sign =
+        ZULMRSBSPStages::SignOf(ZULMRSBSPFormulas::EquationAtHomogeneous(equation, representation));
+    return ZULMRSBSPStages::Counted(
+        ZULMRSBSPStage::Filter, sign.IsDecided() ? sign : ShortcutByRepresentation(equation, representation));
+}
+
+inline RepresentationVerdict FilterKept(const ZULMRSBSPPlane& plane,
+                                        const std::array<ZULExpDynamic, 4>* representation)
+{
+    if (representation == nullptr || !IsUsable(*representation)) {
+        return {};
+    }
+    if (const std::array<double, 4>* coords = ZULMRSBSPDirectReads::Coords(plane)) [[likely]] {
+        return {true, FilterEquation(ZULMRSBSPFormulas::Convert<ZULExpDynamic>(*coords), *representation)};
+    }
+    const ZULMRSBSPEquation<ZULExpDynamic> equation(plane);
+    return {true, equation ? FilterEquation(*equation, *representation) : ZULMRSBSPSign::Undecided()};
+}
+
 inline RepresentationVerdict FilterByRepresentation(const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& point)
 {
-    RepresentationVerdict verdict;
-    verdict.m_Sign = ZULMRSBSPStages::Run<ZULExpDynamic>([&] {
-        const ZULMRSBSPQuadrupleHolder<ZULExpDynamic> representation(
-            point.GetCartesianRepresentation_ExpDynamic());
-        const ZULMRSBSPEquation<ZULExpDynamic> equation(plane);
-        verdict.m_IsUsable = IsUsable(representation);
-        if (!verdict.m_IsUsable || !equation) {
-            return ZULMRSBSPSign::Undecided();
-        }
-        // The value decides nearly always and costs less than the signs of the terms, which decide some more.
-        const ZULMRSBSPSign sign =
-            ZULMRSBSPStages::SignOf(ZULMRSBSPFormulas::EquationAtHomogeneous(*equation, *representation));
-        return sign.IsDecided() ? sign : ShortcutByRepresentation(*equation, *representation);
-    });
-    return verdict;
+    const ZULMRSBSPEnvironment<ZULExpDynamic> environment;
+    if (ZULMRSBSPDirectReads::Is3PlanesPoint(point)) [[likely]] {
+        return FilterKept(
+            plane, ZULMRSBSPDirectReads::Representation(static_cast<const ZULMRSBSP3PlanesPoint&>(point)));
+    }
+    const ZULMRSBSPQuadrupleHolder<ZULExpDynamic> representation(
+        point.GetCartesianRepresentation_ExpDynamic());
+    return FilterKept(plane, representation ? &*representation : nullptr);
 }
 
 inline RepresentationVerdict IntervalByRepresentation(const ZULMRSBSPPlane& plane,
@@ -199,8 +213,10 @@ inline bool IsOwnPlane(const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& point)
 /// A point that is not defined by one of its own planes; see IsOwnPlane.
 inline ZULMRSBSPSign AtPoint(const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& point)
 {
-    if (point.GetType() == ZULMRSBSPPointType_Cartesian) {
-        return AtCoordinates(plane, point.GetApproximatedPoint());
+    if (!ZULMRSBSPDirectReads::Is3PlanesPoint(point) && point.GetType() == ZULMRSBSPPointType_Cartesian) {
+        const std::array<double, 3>* p = ZULMRSBSPDirectReads::Coordinates(point);
+        return AtCoordinates(
+            plane, p != nullptr ? ZULMathPoint((*p)[0], (*p)[1], (*p)[2]) : point.GetApproximatedPoint());
     }
     const RepresentationVerdict filtered = FilterByRepresentation(plane, point);
     return filtered.m_Sign.IsDecided() ? filtered.m_Sign : DecideCarefully(plane, point, filtered.m_IsUsable);

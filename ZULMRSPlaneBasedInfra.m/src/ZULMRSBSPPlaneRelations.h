@@ -53,13 +53,24 @@ inline ZULMRSBSPSign ExactNormals(const ZULMRSBSPPlane& p1, const ZULMRSBSPPlane
         [&] { return EvaluateNormals<ZULExpFloatRingExtensionTS>(p1, p2, p3); });
 }
 
+/// The normal of a plane known to be Cartesian, coefficient by coefficient.
+inline std::array<double, 3> CartesianNormal(const ZULMRSBSPPlane& plane)
+{
+    if (const std::array<double, 4>* coords = ZULMRSBSPDirectReads::Coords(plane)) [[likely]] {
+        return {(*coords)[0], (*coords)[1], (*coords)[2]};
+    }
+    return {plane.GetDouble(0), plane.GetDouble(1), plane.GetDouble(2)};
+}
+
 inline ZULMRSBSPSign DeterminantOfNormals(const ZULMRSBSPPlane& p1, const ZULMRSBSPPlane& p2,
                                           const ZULMRSBSPPlane& p3)
 {
     if (AreCartesian(p1, p2) && ZULMRSBSPIsCartesian(p3)) [[likely]] {
+        const std::array<double, 3> p = CartesianNormal(p1);
+        const std::array<double, 3> q = CartesianNormal(p2);
+        const std::array<double, 3> r = CartesianNormal(p3);
         return ZULMRSBSPKernel<ZULMRSBSPDeterminant3x3Kernel>::Decide(
-            {p1.GetDouble(0), p1.GetDouble(1), p1.GetDouble(2), p2.GetDouble(0), p2.GetDouble(1),
-             p2.GetDouble(2), p3.GetDouble(0), p3.GetDouble(1), p3.GetDouble(2)});
+            {p[0], p[1], p[2], q[0], q[1], q[2], r[0], r[1], r[2]});
     }
     return ZULMRSBSPStages::FirstDecided([&] { return FilterNormals(p1, p2, p3); },
                                          [&] { return IntervalNormals(p1, p2, p3); },
@@ -106,15 +117,20 @@ inline ZULMRSBSPSign ExactMinor(const ZULMRSBSPPlane& p, const ZULMRSBSPPlane& q
         [&] { return EvaluateMinor<ZULExpFloatRingExtensionTS>(p, q, i, j); });
 }
 
+/// A coefficient of a plane known to be Cartesian.
+inline double Coefficient(const ZULMRSBSPPlane& plane, std::size_t i)
+{
+    const std::array<double, 4>* coords = ZULMRSBSPDirectReads::Coords(plane);
+    return coords != nullptr ? (*coords)[i] : plane.GetDouble(static_cast<int>(i));
+}
+
 /// Sign of P_i Q_j - P_j Q_i. Without an interval stage unless both planes are Cartesian.
 inline ZULMRSBSPSign Minor(const ZULMRSBSPPlane& p, const ZULMRSBSPPlane& q, bool areCartesian, std::size_t i,
                            std::size_t j)
 {
     if (areCartesian) {
-        const int k = static_cast<int>(i);
-        const int l = static_cast<int>(j);
         return ZULMRSBSPKernel<ZULMRSBSPDeterminant2x2Kernel>::Decide(
-            {p.GetDouble(k), p.GetDouble(l), q.GetDouble(k), q.GetDouble(l)});
+            {Coefficient(p, i), Coefficient(p, j), Coefficient(q, i), Coefficient(q, j)});
     }
     return ZULMRSBSPStages::FirstDecided([&] { return FilterMinor(p, q, i, j); },
                                          [&] { return ExactMinor(p, q, i, j); });
@@ -219,7 +235,7 @@ Validity ValidityIn(const ZULMRSBSPPlane& plane)
 inline bool IsValid(const ZULMRSBSPPlane& plane)
 {
     if (ZULMRSBSPIsCartesian(plane)) {
-        const std::array<double, 4> e = plane.GetCoords();
+        const std::array<double, 4> e = ZULMRSBSPCoords(plane);
         return e[0] != 0.0 || e[1] != 0.0 || e[2] != 0.0;
     }
     Validity validity = ValidityIn<ZULExpDynamic>(plane);

@@ -258,25 +258,62 @@ public:
 
     Frame Run()
     {
-        Frame principal = StandardFrame();
         m_Best = StandardFrame();
         m_BestCost = CostOf(m_Best, m_Points, m_Noise);
+        Frame principal = StandardFrame();
         if (MakePrincipalFrame(m_Points, principal)) {
             TryOnAll(principal);
         }
-        std::vector<ZULMathVector> unique = m_Points;
-        RemoveRepeated(unique);
-        if (unique.size() <= NbPointsOfSmallSet) {
-            TryEdges(unique, 1);
-        } else {
-            const std::vector<ZULMathVector> sample = ExtremePoints(m_Points, principal);
-            TryEdges(sample, sample.size());
+        std::vector<ZULMathVector> sample = m_Points;
+        RemoveRepeated(sample);
+        std::size_t nbBases = 1;
+        if (sample.size() > NbPointsOfSmallSet) {
+            sample = ExtremePoints(m_Points, principal);
+            nbBases = sample.size();
+        }
+        m_BestSampleCost = CostOf(m_Best, sample, m_Noise);
+        for (std::size_t base = 0; base < nbBases; ++base) {
+            TryEdgesFrom(sample, base);
         }
         return m_Best;
     }
 
 private:
     static constexpr std::size_t NbPointsOfSmallSet = 16;
+
+    /// Tries the frames of the pairs of edges that leave one point, and of each edge alone: a set may have no
+    /// second direction.
+    void TryEdgesFrom(const std::vector<ZULMathVector>& sample, std::size_t base)
+    {
+        Frame frame;
+        for (std::size_t i = 0; i < sample.size(); ++i) {
+            if (i == base) {
+                continue;
+            }
+            const ZULMathVector first = sample[i] - sample[base];
+            for (std::size_t j = 0; j < sample.size(); ++j) {
+                if (j != base && j != i && MakeFrame(first, sample[j] - sample[base], frame)) {
+                    TryOnSample(frame, sample);
+                }
+            }
+            ZULMathVector u1;
+            ZULMathVector u2;
+            if (ZULMRSMathUtilities::CompleteOrthogonalBasis(first, u1, u2) == 0 &&
+                MakeFrame(first, u1, frame)) {
+                TryOnSample(frame, sample);
+            }
+        }
+    }
+
+    /// Of many points the few outermost decide which frames are worth a look at all of them.
+    void TryOnSample(const Frame& frame, const std::vector<ZULMathVector>& sample)
+    {
+        const Cost cost = CostOf(frame, sample, m_Noise);
+        if (cost.IsClearlyLessThan(m_BestSampleCost)) {
+            m_BestSampleCost = cost;
+            TryOnAll(frame);
+        }
+    }
 
     void TryOnAll(const Frame& frame)
     {
@@ -287,44 +324,11 @@ private:
         }
     }
 
-    /// Tries the frames of the pairs of edges that leave each of the first nbBases points. The sample's cost
-    /// never exceeds that of all points, so a frame that loses on the sample has lost.
-    void TryEdges(const std::vector<ZULMathVector>& sample, std::size_t nbBases)
-    {
-        Frame frame;
-        for (std::size_t base = 0; base < nbBases; ++base) {
-            for (std::size_t i = 0; i < sample.size(); ++i) {
-                const ZULMathVector first = sample[i] - sample[base];
-                for (std::size_t j = 0; j < sample.size(); ++j) {
-                    if (i == base || j == base || i == j ||
-                        !MakeFrame(first, sample[j] - sample[base], frame)) {
-                        continue;
-                    }
-                    if (CostOf(frame, sample, m_Noise).IsClearlyLessThan(m_BestCost)) {
-                        TryOnAll(frame);
-                    }
-                }
-                TryLine(first);
-            }
-        }
-    }
-
-    /// The frame of a set that may have no second direction.
-    void TryLine(const ZULMathVector& direction)
-    {
-        ZULMathVector u1;
-        ZULMathVector u2;
-        Frame frame;
-        if (ZULMRSMathUtilities::CompleteOrthogonalBasis(direction, u1, u2) == 0 &&
-            MakeFrame(direction, u1, frame)) {
-            TryOnAll(frame);
-        }
-    }
-
     const std::vector<ZULMathVector>& m_Points;
     double m_Noise;
     Frame m_Best = StandardFrame();
     Cost m_BestCost{};
+    Cost m_BestSampleCost{};
 };
 
 double NextUp(double value)

@@ -33,13 +33,15 @@ PlanePoint CentreFromOffsets(const NcArcWords& iWords, NcPlaneAxes iAxes, PlaneP
 {
     const auto& offsets = iWords.m_centreOffsets;
     const auto at = [&](int iAxis) { return offsets[static_cast<std::size_t>(iAxis)]; };
-    if (at(iAxes.m_w).value_or(0.0) != 0.0)
+    if (at(iAxes.m_w).value_or(0.0) != 0.0) {
         throw NcFault{fmt::format("'{}' in an arc", kOffsetLetters[iAxes.m_w]),
                       "the centre cannot be moved along the axis of the plane"};
-    if (!at(iAxes.m_u) && !at(iAxes.m_v))
+    }
+    if (!at(iAxes.m_u) && !at(iAxes.m_v)) {
         throw NcFault{"arc without a centre", fmt::format("G2 and G3 need {} and {}, or R",
                                                           kOffsetLetters[std::min(iAxes.m_u, iAxes.m_v)],
                                                           kOffsetLetters[std::max(iAxes.m_u, iAxes.m_v)])};
+    }
     return {iStart.u + at(iAxes.m_u).value_or(0.0), iStart.v + at(iAxes.m_v).value_or(0.0)};
 }
 
@@ -49,12 +51,14 @@ PlanePoint CentreFromRadius(const NcArcWords& iWords, PlanePoint iStart, PlanePo
     const double du = iEnd.u - iStart.u;
     const double dv = iEnd.v - iStart.v;
     const double half = 0.5 * std::hypot(du, dv);
-    if (half < 0.5 * kNcSamePoint)
+    if (half < 0.5 * kNcSamePoint) {
         throw NcFault{"arc with R back to its start", "a full circle needs its centre (I, J, K)"};
-    if (half > radius + NcArcTolerance(radius, iWords.m_isInch))
+    }
+    if (half > radius + NcArcTolerance(radius, iWords.m_isInch)) {
         throw NcFault{"arc does not close",
                       fmt::format("its ends are {:.6g} mm apart, more than twice its radius {:.6g} mm",
                                   2.0 * half, radius)};
+    }
     // A radius rounded down a little below half the distance means half a turn.
     const double height = radius > half ? std::sqrt((radius - half) * (radius + half)) : 0.0;
     // The centre of a short counterclockwise arc lies to the left of the way from start to end.
@@ -65,23 +69,26 @@ PlanePoint CentreFromRadius(const NcArcWords& iWords, PlanePoint iStart, PlanePo
 
 void CheckRadii(const NcArcWords& iWords, double iStartRadius, double iEndRadius)
 {
-    if (iStartRadius < kNcSamePoint || iEndRadius < kNcSamePoint)
+    if (iStartRadius < kNcSamePoint || iEndRadius < kNcSamePoint) {
         throw NcFault{"arc without a radius", "its centre lies on its start or end"};
+    }
     const double tolerance = NcArcTolerance(std::max(iStartRadius, iEndRadius), iWords.m_isInch);
     const double mismatch = std::fabs(iStartRadius - iEndRadius);
-    if (!(mismatch <= tolerance))
+    if (!(mismatch <= tolerance)) {
         throw NcFault{
             "arc does not close",
             fmt::format("its end is {:.6g} mm from the centre and its start {:.6g} mm, {:.6g} mm is allowed "
                         "between them",
                         iEndRadius, iStartRadius, tolerance)};
+    }
 }
 
 /// The angle from start to end in the sense of the arc, in (0, one turn].
 double BaseSweep(PlanePoint iStart, PlanePoint iEnd, PlanePoint iCentre, bool iCounterclockwise)
 {
-    if (std::hypot(iEnd.u - iStart.u, iEnd.v - iStart.v) < kNcSamePoint)
+    if (std::hypot(iEnd.u - iStart.u, iEnd.v - iStart.v) < kNcSamePoint) {
         return kTurn;
+    }
     const double su = iStart.u - iCentre.u;
     const double sv = iStart.v - iCentre.v;
     const double eu = iEnd.u - iCentre.u;
@@ -108,8 +115,9 @@ void NcSetArc(const NcArcWords& iWords, NcMove& ioMove)
     const auto& offsets = iWords.m_centreOffsets;
     const bool hasOffsets =
         std::any_of(offsets.begin(), offsets.end(), [](const auto& o) { return o.has_value(); });
-    if (iWords.m_radius && hasOffsets)
+    if (iWords.m_radius && hasOffsets) {
         throw NcFault{"arc with a centre and R", "only one of the two can be given"};
+    }
 
     const PlanePoint centre =
         iWords.m_radius ? CentreFromRadius(iWords, start, end) : CentreFromOffsets(iWords, axes, start);

@@ -73,8 +73,9 @@ constexpr std::string_view kOtherAxes = "ABCUVW";
 int Tenths(double iValue)
 {
     const double tenths = std::round(iValue * 10.0);
-    if (!(tenths >= 0.0 && tenths <= 9999.0) || std::fabs(iValue * 10.0 - tenths) > 1e-6)
+    if (!(tenths >= 0.0 && tenths <= 9999.0) || std::fabs(iValue * 10.0 - tenths) > 1e-6) {
         return NcBlockWords::kNone;
+    }
     return static_cast<int>(tenths);
 }
 
@@ -82,8 +83,9 @@ int Tenths(double iValue)
 {
     const auto* const found = std::find_if(std::begin(kRefused), std::end(kRefused),
                                            [&](const RefusedCode& c) { return c.m_tenths == iTenths; });
-    if (found != std::end(kRefused))
+    if (found != std::end(kRefused)) {
         throw NcFault{fmt::format("unsupported code '{}'", NcPrintable(iWord.m_text)), found->m_reason};
+    }
     throw NcFault{fmt::format("unknown code '{}'", NcPrintable(iWord.m_text)), "no such G code is supported"};
 }
 
@@ -93,12 +95,13 @@ NcBlockWords::NcBlockWords(const NcBlock& iBlock)
 {
     m_codes.fill(kNone);
     for (const NcWord& word : iBlock.m_words) {
-        if (word.m_letter == 'G')
+        if (word.m_letter == 'G') {
             AddG(word);
-        else if (word.m_letter == 'M')
+        } else if (word.m_letter == 'M') {
             AddM(word);
-        else
+        } else {
             AddOther(word);
+        }
     }
 }
 
@@ -106,50 +109,60 @@ void NcBlockWords::AddG(const NcWord& iWord)
 {
     m_hasAction = true;
     const int tenths = Tenths(iWord.m_value);
-    if (std::find(std::begin(kIgnored), std::end(kIgnored), tenths) != std::end(kIgnored))
+    if (std::find(std::begin(kIgnored), std::end(kIgnored), tenths) != std::end(kIgnored)) {
         return;
+    }
     const auto* const known = std::find_if(std::begin(kKnown), std::end(kKnown),
                                            [&](const GCode& c) { return c.m_tenths == tenths; });
-    if (known == std::end(kKnown))
+    if (known == std::end(kKnown)) {
         RefuseG(iWord, tenths);
+    }
     int& code = m_codes[static_cast<std::size_t>(known->m_group)];
     constexpr int kCancelCycle = 800;
-    if (code != kNone && code != tenths && code != kCancelCycle && tenths != kCancelCycle)
+    if (code != kNone && code != tenths && code != kCancelCycle && tenths != kCancelCycle) {
         throw NcFault{fmt::format("'{}' and '{}' in one block", CodeName(code), CodeName(tenths)),
                       "the two codes exclude each other"};
-    if (code == kNone || code == kCancelCycle)
+    }
+    if (code == kNone || code == kCancelCycle) {
         code = tenths;
+    }
 }
 
 void NcBlockWords::AddM(const NcWord& iWord)
 {
     m_hasAction = true;
-    if (!(iWord.m_value >= 0.0 && iWord.m_value <= 99999.0) || iWord.m_value != std::floor(iWord.m_value))
+    if (!(iWord.m_value >= 0.0 && iWord.m_value <= 99999.0) || iWord.m_value != std::floor(iWord.m_value)) {
         throw NcFault{fmt::format("unknown code '{}'", NcPrintable(iWord.m_text)),
                       "an M code is a whole number from 0 to 99999"};
+    }
     const int code = static_cast<int>(iWord.m_value);
-    if (code >= 96 && code <= 98)
+    if (code >= 96 && code <= 98) {
         throw NcFault{fmt::format("unsupported code '{}'", NcPrintable(iWord.m_text)),
                       "subprogram calls are not supported"};
+    }
     m_mCodes.push_back(code);
 }
 
 void NcBlockWords::AddOther(const NcWord& iWord)
 {
     const char letter = iWord.m_letter;
-    if (kOtherAxes.find(letter) != std::string_view::npos)
+    if (kOtherAxes.find(letter) != std::string_view::npos) {
         throw NcFault{fmt::format("axis word '{}'", NcPrintable(iWord.m_text)),
                       "only the axes X, Y and Z are supported"};
-    if (kOtherLetters.find(letter) == std::string_view::npos)
+    }
+    if (kOtherLetters.find(letter) == std::string_view::npos) {
         throw NcFault{fmt::format("unknown word '{}'", NcPrintable(iWord.m_text)),
                       "no such address letter is supported"};
-    if (letter == ':' || letter == 'N' || letter == 'O')
+    }
+    if (letter == ':' || letter == 'N' || letter == 'O') {
         return;
+    }
     m_hasAction = true;
     const std::size_t slot = Slot(letter);
-    if (m_has[slot])
+    if (m_has[slot]) {
         throw NcFault{fmt::format("second '{}' in one block ('{}')", letter, NcPrintable(iWord.m_text)),
                       "a word can be given only once in a block"};
+    }
     m_has[slot] = true;
     m_values[slot] = iWord.m_value;
     m_texts[slot] = iWord.m_text;
@@ -163,9 +176,10 @@ bool NcBlockWords::HasM(int iCode) const
 int NcBlockWords::Whole(char iLetter, int iLowest, int iHighest) const
 {
     const double value = Value(iLetter);
-    if (!(value >= iLowest && value <= iHighest) || value != std::floor(value))
+    if (!(value >= iLowest && value <= iHighest) || value != std::floor(value)) {
         throw NcFault{fmt::format("bad number in '{}'", Text(iLetter)),
                       fmt::format("{} must be a whole number from {} to {}", iLetter, iLowest, iHighest)};
+    }
     return static_cast<int>(value);
 }
 
@@ -176,7 +190,8 @@ std::string NcBlockWords::Text(char iLetter) const
 
 std::string NcBlockWords::CodeName(int iTenths)
 {
-    if (iTenths % 10 == 0)
+    if (iTenths % 10 == 0) {
         return fmt::format("G{}", iTenths / 10);
+    }
     return fmt::format("G{}.{}", iTenths / 10, iTenths % 10);
 }

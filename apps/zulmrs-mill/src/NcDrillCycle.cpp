@@ -26,8 +26,9 @@ bool IsPecking(int iCode)
 void NcDrillCycle::Begin(const NcDrillWords& iWords, const NcMotion& iMotion)
 {
     const int axis = NcAxesOf(iWords.m_plane).m_w;
-    if (m_isActive && axis == m_axis)
+    if (m_isActive && axis == m_axis) {
         return;
+    }
     m_isActive = true;
     m_axis = axis;
     m_initial = iMotion.Position().Value(axis);
@@ -40,44 +41,54 @@ void NcDrillCycle::Begin(const NcDrillWords& iWords, const NcMotion& iMotion)
 
 void NcDrillCycle::TakeWords(const NcDrillWords& iWords)
 {
-    if (iWords.m_isIncremental && iWords.m_retract && m_initialState == NcAxisState::Unknown)
+    if (iWords.m_isIncremental && iWords.m_retract && m_initialState == NcAxisState::Unknown) {
         throw NcFault{
             "drill cycle from an unknown place",
             fmt::format("R counts from a place along {} that was lost by the move in machine coordinates on "
                         "line {}",
                         "XYZ"[m_axis], m_initialLostOnLine)};
-    if (iWords.m_retract)
+    }
+    if (iWords.m_retract) {
         m_retractWord = *iWords.m_retract + (iWords.m_isIncremental ? m_initial - iWords.m_offset : 0.0);
-    if (iWords.m_peck)
+    }
+    if (iWords.m_peck) {
         m_peck = iWords.m_peck;
-    if (!m_retractWord)
+    }
+    if (!m_retractWord) {
         throw NcFault{"drill cycle without R", "the height where drilling starts is needed"};
-    if (iWords.m_bottom)
+    }
+    if (iWords.m_bottom) {
         m_bottomWord = *iWords.m_bottom + (iWords.m_isIncremental ? *m_retractWord : 0.0);
-    if (!m_bottomWord)
+    }
+    if (!m_bottomWord) {
         throw NcFault{fmt::format("drill cycle without {}", "XYZ"[m_axis]),
                       "the depth of the hole is needed"};
+    }
     m_retract = *m_retractWord + iWords.m_offset;
     m_bottom = *m_bottomWord + iWords.m_offset;
 }
 
 void NcDrillCycle::CheckWords(const NcDrillWords& iWords) const
 {
-    if (m_bottom > m_retract)
+    if (m_bottom > m_retract) {
         throw NcFault{"drill cycle with R below the bottom",
                       fmt::format("R is at {:.6g} mm and the bottom at {:.6g} mm", m_retract, m_bottom)};
+    }
     double strokes = iWords.m_repeats;
     if (IsPecking(iWords.m_code)) {
-        if (!m_peck)
+        if (!m_peck) {
             throw NcFault{"drill cycle without Q",
                           fmt::format("G{} needs the depth of a peck", iWords.m_code)};
-        if (!(*m_peck > 0.0))
+        }
+        if (!(*m_peck > 0.0)) {
             throw NcFault{"drill cycle with a bad Q", "the depth of a peck must be positive"};
+        }
         strokes *= std::max(1.0, (m_retract - m_bottom) / *m_peck);
     }
-    if (!(strokes <= kMaxStrokes))
+    if (!(strokes <= kMaxStrokes)) {
         throw NcFault{"drill cycle with too many strokes",
                       fmt::format("one block may make {:.0f}", kMaxStrokes)};
+    }
 }
 
 void NcDrillCycle::Run(const NcDrillWords& iWords, NcMotion& ioMotion, int& ioHoleCount)
@@ -115,8 +126,9 @@ void NcDrillCycle::DrillHole(const NcDrillWords& iWords, const NcPosition& iTarg
     across.Set(axes.m_u, iTarget.Value(axes.m_u));
     across.Set(axes.m_v, iTarget.Value(axes.m_v));
     const NcPosition& now = ioMotion.Position();
-    if (across.Point() != now.Point() || across.KnownAxes() != now.KnownAxes())
+    if (across.Point() != now.Point() || across.KnownAxes() != now.KnownAxes()) {
         ioMotion.Rapid(across, true);
+    }
     if (!across.IsKnown(m_axis) || across.Value(m_axis) != m_retract) {
         across.Set(m_axis, m_retract);
         ioMotion.Rapid(across, true);
@@ -143,8 +155,9 @@ void NcDrillCycle::Strokes(const NcDrillWords& iWords, NcMotion& ioMotion) const
         for (int i = 1; i < count; ++i) {
             const double depth = m_retract - i * *m_peck;
             feedTo(depth);
-            if (iWords.m_code == kDeepHole)
+            if (iWords.m_code == kDeepHole) {
                 rapidTo(m_retract);
+            }
             rapidTo(depth + clearance);
         }
     }
@@ -154,11 +167,12 @@ void NcDrillCycle::Strokes(const NcDrillWords& iWords, NcMotion& ioMotion) const
 void NcDrillCycle::Retract(const NcDrillWords& iWords, NcMotion& ioMotion) const
 {
     NcPosition place = ioMotion.Position();
-    if (iWords.m_retractsToR || (m_initialState == NcAxisState::Known && m_initial <= m_retract))
+    if (iWords.m_retractsToR || (m_initialState == NcAxisState::Known && m_initial <= m_retract)) {
         place.Set(m_axis, m_retract);
-    else
+    } else {
         place.Set(m_axis, m_initialState == NcAxisState::Known ? m_initial : std::max(m_initial, m_retract),
                   m_initialState);
+    }
     place.m_lostOnLine[static_cast<std::size_t>(m_axis)] = m_initialLostOnLine;
     ioMotion.Rapid(place, true);
 }

@@ -10,10 +10,11 @@ std::string Escaped(std::string_view iText, bool iAscii)
     std::string text;
     for (const char c : iText) {
         const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x20 || byte == 0x7f || (iAscii && byte > 0x7f))
+        if (byte < 0x20 || byte == 0x7f || (iAscii && byte > 0x7f)) {
             text += fmt::format("\\x{:02x}", byte);
-        else
+        } else {
             text += c;
+        }
     }
     return text;
 }
@@ -38,7 +39,8 @@ NcError::NcError(const std::string& iFile, int iLine, const std::string& iSubjec
 
 std::string NcPrintable(std::string_view iText, std::size_t iMaxLength)
 {
-    if (iText.size() <= iMaxLength)
+    if (iText.size() <= iMaxLength) {
         return Escaped(iText, true);
+    }
     return Escaped(iText.substr(0, iMaxLength), true) + "...";
 }

@@ -14,8 +14,9 @@ constexpr int kMaxCycleStrokes = 1'000'000;
 
 void NcMotion::AssumeOrigin(int iAxis, double iOffset)
 {
-    if (m_position.State(iAxis) == NcAxisState::Assumed)
+    if (m_position.State(iAxis) == NcAxisState::Assumed) {
         m_position.Set(iAxis, iOffset, NcAxisState::Assumed);
+    }
 }
 
 NcMove NcMotion::NewMove(NcMoveKind iKind, const NcPosition& iTarget) const
@@ -32,19 +33,21 @@ NcMove NcMotion::NewMove(NcMoveKind iKind, const NcPosition& iTarget) const
 
 void NcMotion::Append(const NcMove& iMove, const NcPosition& iTarget)
 {
-    if (iMove.m_isCycleStroke && ++m_cycleStrokes > kMaxCycleStrokes)
+    if (iMove.m_isCycleStroke && ++m_cycleStrokes > kMaxCycleStrokes) {
         throw NcFault{"too many strokes of drill cycles",
                       fmt::format("a program may make {}", kMaxCycleStrokes)};
+    }
     m_program.m_moves.push_back(iMove);
     m_position = iTarget;
 }
 
 void NcMotion::RequirePlace(const NcPosition& iPosition, int iAxis, const char* iMotion)
 {
-    if (iPosition.State(iAxis) == NcAxisState::Unknown)
+    if (iPosition.State(iAxis) == NcAxisState::Unknown) {
         throw NcFault{fmt::format("{} from an unknown place", iMotion),
                       fmt::format("the place along {} was lost by the move in machine coordinates on line {}",
                                   "XYZ"[iAxis], iPosition.m_lostOnLine[static_cast<std::size_t>(iAxis)])};
+    }
 }
 
 void NcMotion::RequireWay(const NcPosition& iTarget, const char* iMotion) const
@@ -59,8 +62,9 @@ void NcMotion::Rapid(const NcPosition& iTarget, bool iIsCycleStroke)
 {
     NcMove move = NewMove(NcMoveKind::Rapid, iTarget);
     move.m_isCycleStroke = iIsCycleStroke;
-    if (m_position.KnownAxes() != kAllAxes)
+    if (m_position.KnownAxes() != kAllAxes) {
         move.m_start = move.m_end;
+    }
     move.m_mayCut = move.m_knownAxes == kAllAxes;
     Append(move, iTarget);
 }
@@ -69,8 +73,9 @@ void NcMotion::Line(const NcPosition& iTarget, bool iIsCycleStroke)
 {
     RequireWay(iTarget, "cutting move");
     NcPosition target = iTarget;
-    for (int axis = 0; axis < 3; ++axis)
+    for (int axis = 0; axis < 3; ++axis) {
         target.Set(axis, target.Value(axis));
+    }
     NcMove move = NewMove(NcMoveKind::Line, target);
     move.m_isCycleStroke = iIsCycleStroke;
     Append(move, target);
@@ -80,8 +85,9 @@ void NcMotion::Arc(NcArcWords& ioWords, const NcPosition& iTarget)
 {
     RequireWay(iTarget, "arc");
     NcPosition target = iTarget;
-    for (int axis = 0; axis < 3; ++axis)
+    for (int axis = 0; axis < 3; ++axis) {
         target.Set(axis, target.Value(axis));
+    }
     NcMove move = NewMove(NcMoveKind::Arc, target);
     ioWords.m_start = move.m_start;
     ioWords.m_end = move.m_end;
@@ -93,8 +99,9 @@ void NcMotion::Machine(unsigned iAxes)
 {
     NcPosition target = m_position;
     for (int axis = 0; axis < 3; ++axis) {
-        if ((iAxes >> axis & 1U) != 0)
+        if ((iAxes >> axis & 1U) != 0) {
             target.Lose(axis, m_line);
+        }
     }
     NcMove move = NewMove(NcMoveKind::Rapid, target);
     move.m_mayCut = false;

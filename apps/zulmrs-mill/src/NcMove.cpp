@@ -50,8 +50,9 @@ int ChordCount(const NcMove& iArc, double iTolerance)
     const double step = std::min(4.0 * std::asin(ratio), kQuarterTurn);
     const double count = std::ceil(iArc.m_sweep / step);
     // Written so that a count that is not a number fails too.
-    if (!(count <= kNcMaxChords))
+    if (!(count <= kNcMaxChords)) {
         return 0;
+    }
     return std::max(1, static_cast<int>(count));
 }
 
@@ -106,18 +107,22 @@ ZULMathPoint NcPointOnArc(const NcMove& iArc, double iT)
 
 std::vector<ZULMathPoint> FlattenArc(const NcMove& iMove, double iChordTolerance)
 {
-    if (!(iChordTolerance > 0.0))
+    if (!(iChordTolerance > 0.0)) {
         return {};
-    if (iMove.m_kind != NcMoveKind::Arc)
+    }
+    if (iMove.m_kind != NcMoveKind::Arc) {
         return {iMove.m_start, iMove.m_end};
+    }
     const int count = ChordCount(iMove, iChordTolerance);
-    if (count == 0)
+    if (count == 0) {
         return {};
+    }
     std::vector<ZULMathPoint> points;
     points.reserve(static_cast<std::size_t>(count) + 1);
     points.push_back(iMove.m_start);
-    for (int i = 1; i < count; ++i)
+    for (int i = 1; i < count; ++i) {
         points.push_back(NcPointOnArc(iMove, static_cast<double>(i) / count));
+    }
     points.push_back(iMove.m_end);
     return points;
 }
@@ -132,8 +137,9 @@ NcExtents::NcExtents()
 void NcExtents::AddPoint(const ZULMathPoint& iPoint, unsigned iAxes)
 {
     for (int axis = 0; axis < 3; ++axis) {
-        if ((iAxes >> axis & 1U) == 0)
+        if ((iAxes >> axis & 1U) == 0) {
             continue;
+        }
         const double value = NcCoordinate(iPoint, axis);
         NcSetCoordinate(m_min, axis, std::min(NcCoordinate(m_min, axis), value));
         NcSetCoordinate(m_max, axis, std::max(NcCoordinate(m_max, axis), value));
@@ -144,8 +150,9 @@ void NcExtents::AddMove(const NcMove& iMove)
 {
     AddPoint(iMove.m_start);
     AddPoint(iMove.m_end);
-    if (iMove.m_kind == NcMoveKind::Arc)
+    if (iMove.m_kind == NcMoveKind::Arc) {
         AddBulge(iMove);
+    }
 }
 
 void NcExtents::AddBulge(const NcMove& iArc)

@@ -66,13 +66,15 @@ double ToNumber(std::string_view iText)
         // Also reported for a value too small for a double, which is as good as zero.
         const auto first = std::find_if(unsignedText.begin(), unsignedText.end(),
                                         [](char c) { return c == '.' || (c >= '1' && c <= '9'); });
-        if (first == unsignedText.end() || *first == '.')
+        if (first == unsignedText.end() || *first == '.') {
             return 0.0;
+        }
         throw NcFault{fmt::format("number '{}' too large", NcPrintable(iText)), "it does not fit a double"};
     }
-    if (hasTwoSigns || status != std::errc() || rest != end)
+    if (hasTwoSigns || status != std::errc() || rest != end) {
         throw NcFault{fmt::format("malformed number '{}'", NcPrintable(iText)),
                       "a number is a sign, digits and one decimal point"};
+    }
     return value;
 }
 
@@ -88,18 +90,21 @@ public:
 
     void SkipBlanks()
     {
-        while (!AtEnd() && IsBlank(Peek()))
+        while (!AtEnd() && IsBlank(Peek())) {
             Skip();
+        }
     }
 
     /// At a '('. False if the comment is not closed and so took the rest of the line.
     bool SkipComment()
     {
-        if (m_partner.empty())
+        if (m_partner.empty()) {
             PairParentheses();
+        }
         std::size_t end = m_partner[m_at];
-        if (end == std::string_view::npos)
+        if (end == std::string_view::npos) {
             end = m_line.find(')', m_at);
+        }
         m_at = end == std::string_view::npos ? m_line.size() : end + 1;
         return end != std::string_view::npos;
     }
@@ -111,15 +116,18 @@ public:
     {
         const std::size_t start = m_at;
         const std::string_view letters = Run(IsLetter, m_at);
-        if (letters.size() > 1)
+        if (letters.size() > 1) {
             RefuseKeyword(letters);
+        }
         Skip();
         SkipBlanks();
-        if (!AtEnd() && IsMacroPart(Peek()))
+        if (!AtEnd() && IsMacroPart(Peek())) {
             RefuseMacro();
+        }
         const std::string_view number = Run(IsNumberPart, m_at);
-        if (std::none_of(number.begin(), number.end(), IsDigit))
+        if (std::none_of(number.begin(), number.end(), IsDigit)) {
             throw NcFault{fmt::format("missing number after '{}'", m_line[start]), kWordRule};
+        }
         m_at += number.size();
         return {Upper(m_line[start]), ToNumber(number), m_line.substr(start, m_at - start)};
     }
@@ -133,15 +141,19 @@ public:
 
     [[noreturn]] void RefuseCharacter() const
     {
-        if (IsMacroPart(Peek()))
+        if (IsMacroPart(Peek())) {
             RefuseMacro();
-        if (IsNumberPart(Peek()))
+        }
+        if (IsNumberPart(Peek())) {
             throw NcFault{fmt::format("number '{}' without a letter", NcPrintable(Run(IsNumberPart, m_at))),
                           kWordRule};
-        if (Peek() == ')')
+        }
+        if (Peek() == ')') {
             throw NcFault{"')' without '('", "a comment stands between parentheses"};
-        if (Peek() == '/')
+        }
+        if (Peek() == '/') {
             throw NcFault{"'/' inside a block", "block delete stands at the start of a block"};
+        }
         throw NcFault{fmt::format("unknown character '{}'", NcPrintable(m_line.substr(m_at, 1))),
                       "a block is made of words and comments"};
     }
@@ -167,8 +179,9 @@ private:
     std::string_view Run(Predicate iBelongs, std::size_t iFrom) const
     {
         std::size_t end = iFrom;
-        while (end < m_line.size() && iBelongs(m_line[end]))
+        while (end < m_line.size() && iBelongs(m_line[end])) {
             ++end;
+        }
         return m_line.substr(iFrom, end - iFrom);
     }
 
@@ -176,8 +189,9 @@ private:
     {
         std::string name(iLetters);
         std::transform(name.begin(), name.end(), name.begin(), Upper);
-        if (std::find(kKeywords.begin(), kKeywords.end(), name) != kKeywords.end())
+        if (std::find(kKeywords.begin(), kKeywords.end(), name) != kKeywords.end()) {
             throw NcFault{fmt::format("macro text '{}'", NcPrintable(iLetters)), kMacroRule};
+        }
     }
 
     std::string_view m_line;
@@ -190,8 +204,9 @@ bool SkipBrokenHeader(std::string_view& ioLine)
 {
     const std::size_t mark = ioLine.find_first_of("();");
     const bool isPercent = *std::find_if_not(ioLine.begin(), ioLine.end(), IsBlank) == '%';
-    if (isPercent || mark == std::string_view::npos || ioLine[mark] != ')')
+    if (isPercent || mark == std::string_view::npos || ioLine[mark] != ')') {
         return false;
+    }
     ioLine.remove_prefix(mark + 1);
     return true;
 }
@@ -201,14 +216,16 @@ void SkipBetweenWords(Scanner& ioScanner, NcBlock& ioBlock)
 {
     for (;;) {
         ioScanner.SkipBlanks();
-        if (ioScanner.AtEnd())
+        if (ioScanner.AtEnd()) {
             return;
-        if (ioScanner.Peek() == ';')
+        }
+        if (ioScanner.Peek() == ';') {
             ioScanner.SkipRest();
-        else if (ioScanner.Peek() != '(')
+        } else if (ioScanner.Peek() != '(') {
             return;
-        else if (!ioScanner.SkipComment())
+        } else if (!ioScanner.SkipComment()) {
             ioBlock.m_hasUnclosedComment = true;
+        }
     }
 }
 
@@ -216,8 +233,9 @@ void SkipBetweenWords(Scanner& ioScanner, NcBlock& ioBlock)
 void SkipDeleteMark(Scanner& ioScanner)
 {
     ioScanner.Skip();
-    if (!ioScanner.AtEnd() && IsDigit(ioScanner.Peek()))
+    if (!ioScanner.AtEnd() && IsDigit(ioScanner.Peek())) {
         ioScanner.Skip();
+    }
 }
 
 bool OnlyLineNumber(const NcBlock& iBlock)
@@ -230,8 +248,9 @@ void ReadWords(std::string_view iLine, bool iReadDeleted, NcBlock& ioBlock)
     Scanner scanner(iLine);
     for (;;) {
         SkipBetweenWords(scanner, ioBlock);
-        if (scanner.AtEnd())
+        if (scanner.AtEnd()) {
             return;
+        }
         const char c = scanner.Peek();
         if (c == '%' && ioBlock.m_words.empty()) {
             ioBlock.m_isPercent = true;
@@ -239,8 +258,9 @@ void ReadWords(std::string_view iLine, bool iReadDeleted, NcBlock& ioBlock)
         }
         if (c == '/' && !ioBlock.m_isDeleted && OnlyLineNumber(ioBlock)) {
             ioBlock.m_isDeleted = true;
-            if (!iReadDeleted)
+            if (!iReadDeleted) {
                 return;
+            }
             SkipDeleteMark(scanner);
         } else if (IsLetter(c) || c == ':') {
             ioBlock.m_words.push_back(scanner.ReadWord());
@@ -255,16 +275,19 @@ void ReadWords(std::string_view iLine, bool iReadDeleted, NcBlock& ioBlock)
 NcTokenizer::NcTokenizer(std::string_view iText, bool iReadDeleted)
     : m_text(iText.substr(0, iText.find(kDosEndOfFile))), m_readDeleted(iReadDeleted)
 {
-    if (m_text.substr(0, kByteOrderMark.size()) == kByteOrderMark)
+    if (m_text.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
         m_position = kByteOrderMark.size();
-    if (m_text.find('\n') == std::string_view::npos)
+    }
+    if (m_text.find('\n') == std::string_view::npos) {
         m_lineEnd = '\r';
+    }
 }
 
 bool NcTokenizer::NextLine(std::string_view& oLine)
 {
-    if (m_position >= m_text.size())
+    if (m_position >= m_text.size()) {
         return false;
+    }
     const std::size_t end = std::min(m_text.find(m_lineEnd, m_position), m_text.size());
     oLine = m_text.substr(m_position, end - m_position);
     m_position = end + 1;
@@ -278,8 +301,9 @@ bool NcTokenizer::NextBlock(NcBlock& oBlock)
     oBlock.m_words.clear();
     oBlock.m_isPercent = oBlock.m_isDeleted = false;
     oBlock.m_hasUnclosedComment = oBlock.m_hasBrokenHeader = false;
-    if (!NextLine(line))
+    if (!NextLine(line)) {
         return false;
+    }
     oBlock.m_line = m_line;
     if (!m_seenText && !std::all_of(line.begin(), line.end(), IsBlank)) {
         m_seenText = true;

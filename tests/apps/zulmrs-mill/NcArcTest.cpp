@@ -301,15 +301,17 @@ TEST(NcExtents, ContainRandomArcsTightly)
         NcSetCoordinate(words.m_start, axes.m_v, 7 * std::sin(from));
         NcSetCoordinate(words.m_end, axes.m_u, 7 * std::cos(to));
         NcSetCoordinate(words.m_end, axes.m_v, 7 * std::sin(to));
-        for (int axis = 0; axis < 3; ++axis)
+        for (int axis = 0; axis < 3; ++axis) {
             words.m_centreOffsets[static_cast<std::size_t>(axis)] = -NcCoordinate(words.m_start, axis);
+        }
         NcMove arc;
         NcSetArc(words, arc);
         NcExtents box;
         box.AddMove(arc);
         NcExtents sampled;
-        for (int s = 0; s <= 2000; ++s)
+        for (int s = 0; s <= 2000; ++s) {
             sampled.AddPoint(NcPointOnArc(arc, s / 2000.0));
+        }
         for (int axis = 0; axis < 3; ++axis) {
             EXPECT_NEAR(NcCoordinate(box.Min(), axis), NcCoordinate(sampled.Min(), axis), 1e-4);
             EXPECT_NEAR(NcCoordinate(box.Max(), axis), NcCoordinate(sampled.Max(), axis), 1e-4);

@@ -10,8 +10,9 @@ std::string Strokes(const NcProgram& iProgram)
 {
     std::string text;
     for (const NcMove& move : iProgram.m_moves) {
-        if (!move.m_isCycleStroke)
+        if (!move.m_isCycleStroke) {
             continue;
+        }
         char line[128];
         snprintf(line, sizeof line, "%c%s %g %g %g|", "RLA"[static_cast<int>(move.m_kind)],
                  move.m_mayCut ? "" : "x", move.m_end.x, move.m_end.y, move.m_end.z);
@@ -27,8 +28,9 @@ TEST(NcDrillCycle, G81RetractsToTheStart)
     const NcProgram program = Parse(kStart + "G81 X1 Y2 R2 Z-5");
     EXPECT_EQ(Strokes(program), "R 1 2 10|R 1 2 2|L 1 2 -5|R 1 2 10|");
     EXPECT_EQ(program.m_holeCount, 1);
-    for (const NcMove& move : program.m_moves)
+    for (const NcMove& move : program.m_moves) {
         EXPECT_TRUE(move.m_mayCut);
+    }
 }
 
 TEST(NcDrillCycle, G99RetractsToR)
@@ -90,8 +92,9 @@ TEST(NcDrillCycle, PeckCountIsNotFooledByRounding)
     // 0.3 / 0.1 is a little less than 3 in doubles, 0.7 / 0.1 a little less than 7.
     const auto feeds = [](const std::string& iDepth) {
         int count = 0;
-        for (const NcMove& move : Parse(kStart + "G83 X0 R0 Z-" + iDepth + " Q0.1").m_moves)
+        for (const NcMove& move : Parse(kStart + "G83 X0 R0 Z-" + iDepth + " Q0.1").m_moves) {
             count += move.m_kind == NcMoveKind::Line ? 1 : 0;
+        }
         return count;
     };
     EXPECT_EQ(feeds("0.3"), 3);

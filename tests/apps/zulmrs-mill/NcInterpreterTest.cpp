@@ -29,8 +29,9 @@ TEST(NcInterpreter, MotionIsModal)
 TEST(NcInterpreter, MovesFollowOneAnother)
 {
     const NcProgram program = Parse("G21 G0 X0 Y0 Z5\nX1\nG1 Z-1\nG2 X3 I1\nG1 Y7");
-    for (std::size_t i = 1; i < program.m_moves.size(); ++i)
+    for (std::size_t i = 1; i < program.m_moves.size(); ++i) {
         EXPECT_EQ(program.m_moves[i].m_start, program.m_moves[i - 1].m_end);
+    }
     EXPECT_EQ(program.m_moves.back().m_line, 5);
 }
 
@@ -186,8 +187,9 @@ TEST(NcInterpreter, ToolsWithToolChange)
     const NcProgram program =
         Parse("G21 T5 M6\nG0 X0 Y0 Z5 T3\nG1 Z0\nG0 Z5 M5\nM06\nG1 Z-1\nM6 T0\nG1 Z-2\nT7\nG1 Z-3");
     std::vector<int> tools;
-    for (const NcMove& move : program.m_moves)
+    for (const NcMove& move : program.m_moves) {
         tools.push_back(move.m_tool);
+    }
     EXPECT_EQ(tools, (std::vector<int>{5, 5, 5, 3, 0, 0}));
     EXPECT_EQ(program.CuttingTools(), (std::vector<int>{0, 3, 5}));
 }
@@ -279,8 +281,9 @@ TEST(NcInterpreter, RefusedCodes)
 {
     const auto refusal = [](const std::string& iCode) { return Refusal("G21\n\n" + iCode); };
     const std::string cycle = ": of the canned cycles only G73, G81, G82 and G83 are supported";
-    for (const char* code : {"G74", "G76", "G84", "G85", "G86", "G87", "G88", "G89"})
+    for (const char* code : {"G74", "G76", "G84", "G85", "G86", "G87", "G88", "G89"}) {
         EXPECT_EQ(refusal(code), "p.nc:3: error: unsupported code '" + std::string(code) + "'" + cycle);
+    }
     EXPECT_EQ(refusal("G92 X0"),
               "p.nc:3: error: unsupported code 'G92': a shift of the coordinates is not supported; use "
               "a work offset (G54 to G59, G10 L2)");
@@ -294,9 +297,10 @@ TEST(NcInterpreter, RefusedCodes)
     EXPECT_EQ(refusal("G43.1 Z1"),
               "p.nc:3: error: unsupported code 'G43.1': an offset written in the program is not supported");
     EXPECT_EQ(refusal("G65 P9000"), "p.nc:3: error: unsupported code 'G65': macro calls are not supported");
-    for (const char* code : {"G5", "G12", "G33", "G38.2", "G999", "G1.55", "G-1", "G99999999999999999999"})
+    for (const char* code : {"G5", "G12", "G33", "G38.2", "G999", "G1.55", "G-1", "G99999999999999999999"}) {
         EXPECT_EQ(refusal(code),
                   "p.nc:3: error: unknown code '" + std::string(code) + "': no such G code is supported");
+    }
 }
 
 TEST(NcInterpreter, RefusedWords)
@@ -346,8 +350,9 @@ TEST(NcInterpreter, BrokenCommentsAreWarnedOf)
 
 TEST(NcInterpreter, ProgramWithoutMoves)
 {
-    for (const char* text : {"", "%\n%\n", "(nothing)\n", "G21\nM30"})
+    for (const char* text : {"", "%\n%\n", "(nothing)\n", "G21\nM30"}) {
         EXPECT_EQ(Warnings(Parse(text)), Lines{"p.nc: warning: the program makes no move"}) << text;
+    }
 }
 
 TEST(NcInterpreter, ErrorsCarryTheirParts)

@@ -63,8 +63,9 @@ Counts Count(const NcProgram& iProgram)
 {
     Counts counts;
     for (const NcMove& move : iProgram.m_moves) {
-        if (move.m_isCycleStroke || move.m_isMachineMove)
+        if (move.m_isCycleStroke || move.m_isMachineMove) {
             continue;
+        }
         if (move.m_kind == NcMoveKind::Rapid) {
             ++counts.m_rapids;
         } else if (move.m_kind == NcMoveKind::Line) {
@@ -83,8 +84,9 @@ NcExtents EndPoints(const NcProgram& iProgram)
 {
     NcExtents extents;
     for (const NcMove& move : iProgram.m_moves) {
-        if (!move.m_isMachineMove && (!move.m_isCycleStroke || move.m_kind == NcMoveKind::Line))
+        if (!move.m_isMachineMove && (!move.m_isCycleStroke || move.m_kind == NcMoveKind::Line)) {
             extents.AddPoint(move.m_end, move.m_knownAxes);
+        }
     }
     return extents;
 }
@@ -133,8 +135,9 @@ void ExpectExtents(const json& iEntry, const NcProgram& iProgram)
         double low = range[0];
         const double high = range[1];
         // The facts are of program coordinates; here a second copy is cut under a shifted work offset.
-        if (iEntry["file"] == "botomata_bottom.nc" && axis == 1)
+        if (iEntry["file"] == "botomata_bottom.nc" && axis == 1) {
             low -= 101.6;
+        }
         EXPECT_NEAR(NcCoordinate(extents.Min(), axis), low * unit, 2e-7 * std::fabs(low * unit)) << axis;
         EXPECT_NEAR(NcCoordinate(extents.Max(), axis), high * unit, 2e-7 * std::fabs(high * unit)) << axis;
     }
@@ -144,8 +147,9 @@ json Entry(const std::string& iFile)
 {
     const json index = json::parse(ReadText(Folder() + "index.json"));
     for (const json& entry : index["files"]) {
-        if (entry["file"] == iFile)
+        if (entry["file"] == iFile) {
             return entry;
+        }
     }
     ADD_FAILURE() << iFile;
     return {};
@@ -156,8 +160,9 @@ TEST(NcRealPrograms, AgreeWithTheirFacts)
     const json index = json::parse(ReadText(Folder() + "index.json"));
     int count = 0;
     for (const json& entry : index["files"]) {
-        if (entry["file"] == "haas_example.nc")
+        if (entry["file"] == "haas_example.nc") {
             continue;
+        }
         SCOPED_TRACE(entry["file"].get<std::string>());
         const std::string text = ReadText(Folder() + entry["file"].get<std::string>());
         ASSERT_EQ(text.size(), entry["bytes"].get<std::size_t>());
@@ -199,8 +204,9 @@ TEST(NcRealPrograms, WithoutItsMacroLinesTheShopProgramIsRead)
 {
     const json entry = Entry("haas_example.nc");
     std::string text = ReadText(Folder() + "haas_example.nc");
-    for (std::size_t at = 0; (at = text.find("IF [", at)) != std::string::npos;)
+    for (std::size_t at = 0; (at = text.find("IF [", at)) != std::string::npos;) {
         text.replace(at, text.find('\r', at) - at, "");
+    }
     const NcProgram program = Read(entry, text);
     EXPECT_EQ(program.m_holeCount, 1);
     EXPECT_EQ(Count(program).m_arcs, 5);
@@ -222,8 +228,9 @@ TEST(NcRealPrograms, SecondCopyIsCutUnderItsOwnOffset)
     for (const NcMove& move : program.m_moves) {
         const bool isSecond = (move.m_line > 1946 && move.m_line < 3879) ||
                               (move.m_line > 4927 && move.m_line < 5973) || move.m_line > 6096;
-        if (move.m_kind == NcMoveKind::Rapid)
+        if (move.m_kind == NcMoveKind::Rapid) {
             continue;
+        }
         EXPECT_EQ(move.m_end.y < -50.0, isSecond) << move.m_line;
         ++(isSecond ? second : first);
     }
@@ -238,17 +245,19 @@ TEST(NcRealPrograms, ShopProgramByHand)
     EXPECT_EQ(Warnings(program).size(), 3U);
     std::vector<ZULMathPoint> bottoms;
     for (const NcMove& move : program.m_moves) {
-        if (move.m_isCycleStroke && move.m_kind == NcMoveKind::Line && move.m_tool == 7)
+        if (move.m_isCycleStroke && move.m_kind == NcMoveKind::Line && move.m_tool == 7) {
             bottoms.push_back(move.m_end);
+        }
     }
     // From R0.25 in pecks of 0.15 to -0.5222 inch, at the place where the tool stood.
     ASSERT_EQ(bottoms.size(), 6U);
     ExpectPoint(bottoms.front(), 0.8 * 25.4, 1.75 * 25.4, 0.1 * 25.4, 1e-12);
     ExpectPoint(bottoms.back(), 0.8 * 25.4, 1.75 * 25.4, -0.5222 * 25.4, 1e-12);
-    for (const NcMove& move : program.m_moves)
+    for (const NcMove& move : program.m_moves) {
         EXPECT_EQ(move.m_isMachineMove, move.m_line == 12 || move.m_line == 43 || move.m_line == 44 ||
                                             move.m_line == 59 || move.m_line == 60 || move.m_line == 74 ||
                                             move.m_line == 75 || move.m_line == 89 || move.m_line == 90);
+    }
 }
 
 TEST(NcRealPrograms, ToolsOfTheOthers)

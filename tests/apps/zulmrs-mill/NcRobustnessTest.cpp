@@ -43,8 +43,9 @@ TEST(NcRobustness, EveryTruncationOfSmallPrograms)
                              "circle-inch.gcode", "slant_test.nc", "cap.ngc", "axis_letter.ngc"}) {
         const std::string text = RealText(file);
         ASSERT_FALSE(text.empty());
-        for (std::size_t length = 0; length < text.size(); ++length)
+        for (std::size_t length = 0; length < text.size(); ++length) {
             ExpectSoundAnswer(std::string_view(text).substr(0, length));
+        }
     }
 }
 
@@ -56,8 +57,9 @@ TEST(NcRobustness, ChangedBytes)
         const std::string text = RealText(file);
         for (int i = 0; i < 1500; ++i) {
             std::string changed = text;
-            for (int n = 0; n < 1 + i % 5; ++n)
+            for (int n = 0; n < 1 + i % 5; ++n) {
                 changed[random() % changed.size()] = static_cast<char>(random());
+            }
             ExpectSoundAnswer(changed);
         }
     }
@@ -68,8 +70,9 @@ TEST(NcRobustness, RandomBytes)
     std::mt19937_64 random(5);
     for (int i = 0; i < 5000; ++i) {
         std::string text(random() % 400, ' ');
-        for (char& c : text)
+        for (char& c : text) {
             c = static_cast<char>(random());
+        }
         ExpectSoundAnswer(text);
     }
 }
@@ -84,8 +87,9 @@ TEST(NcRobustness, RandomWords)
     for (int i = 0; i < 20000; ++i) {
         std::string text = "G21 G0 X0 Y0 Z5\n";
         for (int line = 0; line < 12; ++line) {
-            for (std::size_t word = 0; word < 1 + random() % 6; ++word)
+            for (std::size_t word = 0; word < 1 + random() % 6; ++word) {
                 text += letters[random() % letters.size()] + numbers[random() % numbers.size()];
+            }
             text += '\n';
         }
         ExpectSoundAnswer(text);
@@ -103,8 +107,9 @@ TEST(NcRobustness, RandomValidMotion)
     int moves = 0;
     for (int i = 0; i < 20000; ++i) {
         std::string text = "G21 G0 X0 Y0 Z5\n";
-        for (int line = 0; line < 8; ++line)
+        for (int line = 0; line < 8; ++line) {
             text += blocks[random() % blocks.size()] + std::to_string(1 + random() % 30) + "\n";
+        }
         ExpectSoundAnswer(text);
         moves += Refusal(text) == "accepted" ? 1 : 0;
     }
@@ -122,16 +127,18 @@ TEST(NcRobustness, HostileLengths)
     ExpectSoundAnswer(std::string(2'000'000, '/'));
     ExpectSoundAnswer(std::string(2'000'000, '%'));
     std::string words;
-    for (int i = 0; i < 300'000; ++i)
+    for (int i = 0; i < 300'000; ++i) {
         words += "M3";
+    }
     ExpectSoundAnswer(words);
 }
 
 TEST(NcRobustness, RepeatedCyclesEndBeforeTheMemoryDoes)
 {
     std::string text = "G21 G0 X0 Y0 Z1\n";
-    for (int i = 0; i < 300; ++i)
+    for (int i = 0; i < 300; ++i) {
         text += "G90 G81 X0 R1 Z0 L50000\n";
+    }
     EXPECT_EQ(Refusal(text), "p.nc:12: error: too many strokes of drill cycles: a program may make 1000000");
 }
 

@@ -52,8 +52,9 @@ TEST(NcSamples, CutWithinTheirStock)
         EXPECT_GE(program.CuttingExtents().Min().z, sample.m_stockMin.z);
         NcExtents below;
         for (const NcMove& move : program.m_moves) {
-            if (move.m_kind != NcMoveKind::Rapid && move.m_end.z < 0.0)
+            if (move.m_kind != NcMoveKind::Rapid && move.m_end.z < 0.0) {
                 below.AddMove(move);
+            }
         }
         // The tool may run off the edge, but not far.
         constexpr double kRunOff = 8.0;
@@ -70,8 +71,9 @@ TEST(NcSamples, MoveFastOnlyAboveTheStock)
         SCOPED_TRACE(sample.m_file);
         const NcProgram program = ReadNcProgram(Path(sample.m_file));
         for (const NcMove& move : program.m_moves) {
-            if (move.m_kind != NcMoveKind::Rapid || !move.m_mayCut)
+            if (move.m_kind != NcMoveKind::Rapid || !move.m_mayCut) {
                 continue;
+            }
             const bool isLevel = move.m_start.x != move.m_end.x || move.m_start.y != move.m_end.y;
             const bool isUp = move.m_end.z > move.m_start.z;
             // Down a hole only where the cycle has drilled before.
@@ -86,11 +88,13 @@ TEST(NcSamples, BracketUsesBothFormsOfArcs)
     const NcProgram program = ReadNcProgram(Path("bracket.nc"));
     std::array<int, 4> counts{};
     for (const NcMove& move : program.m_moves) {
-        if (move.m_kind == NcMoveKind::Arc)
+        if (move.m_kind == NcMoveKind::Arc) {
             ++counts[(move.m_isRadiusForm ? 2U : 0U) + (move.m_isCounterclockwise ? 1U : 0U)];
+        }
     }
-    for (const int count : counts)
+    for (const int count : counts) {
         EXPECT_GT(count, 1);
+    }
 }
 
 TEST(NcSamples, ReliefIsFine)

@@ -34,8 +34,9 @@ inline std::string Refusal(std::string_view iText, const NcOptions& iOptions = {
 inline std::vector<std::string> Warnings(const NcProgram& iProgram)
 {
     std::vector<std::string> lines;
-    for (const NcWarning& warning : iProgram.m_warnings)
+    for (const NcWarning& warning : iProgram.m_warnings) {
         lines.push_back(NcFormatWarning(iProgram, warning));
+    }
     return lines;
 }
 

@@ -212,8 +212,9 @@ TEST(NcTokenizer, TellsWhetherTextFollows)
 TEST(NcTokenizer, LongHostileLineTakesNoQuadraticTime)
 {
     std::string line;
-    for (int i = 0; i < 200'000; ++i)
+    for (int i = 0; i < 200'000; ++i) {
         line += "((a)";
+    }
     NcTokenizer tokenizer(line, false);
     NcBlock block;
     ASSERT_TRUE(tokenizer.NextBlock(block));

@@ -190,8 +190,8 @@ ZULMRSBSPQuadruple<ZULExpFloatRingExtensionTS> ZULMRSBSP3PlanesPoint::GetCartesi
 {
     ZULMRSBSPQuadrupleMaker::Owner<ZULExpFloatRingExtensionTS> representation =
         ZULMRSBSPQuadrupleMaker::Allocate<ZULExpFloatRingExtensionTS>();
-    if (representation != nullptr) {
-        ComputeMeetingPoint(m_Planes, *representation);
+    if (representation == nullptr || !ComputeMeetingPoint(m_Planes, *representation)) {
+        return {nullptr, false};
     }
     return ZULMRSBSPQuadrupleMaker::HandOver(std::move(representation));
 }

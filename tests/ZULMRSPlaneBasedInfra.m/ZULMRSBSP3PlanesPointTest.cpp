@@ -31,6 +31,8 @@ using PlaneOwner = ZULTest::Owner<ZULMRSBSPPlane>;
 using PointOwner = ZULTest::Owner<ZULMRSBSP3PlanesPoint>;
 using Calls = std::vector<int>;
 
+constexpr int NbRounds = 10000 / ZUL_TEST_CASES_DIVISOR;
+
 constexpr const char* ExactLine =
     "[E] ERROR INVALID POINT (nul determinant) ( Error happened in function ZULMRSBSP3PlanesPoint::Init / "
     "Source : ZULMRSBSP3PlanesPoint / Line : 50)\n";
@@ -439,11 +441,11 @@ TEST(ThreePlanesPoint, EveryArithmeticHoldsAgainstRationals)
     const ZULTest::LineCapture lines;
     int delivered = 0;
     for (const Regime regime : ZULTest::AllRegimes) {
-        for (int round = 0; round < 1500; ++round) {
+        for (int round = 0; round < NbRounds; ++round) {
             CheckAgainstRationals(random, regime, round % 3 == 0, delivered);
         }
     }
-    EXPECT_GT(delivered, 4000);
+    EXPECT_GT(delivered, 3 * NbRounds);
 }
 
 TEST(ThreePlanesPoint, CartesianPlanesAreReadAsDoublesOnly)
@@ -489,6 +491,16 @@ TEST(ThreePlanesPoint, OtherPlanesAreAskedForTheirEquations)
         EXPECT_TRUE(AreSameBits(*CacheOf(*point), FilteredPoint(Corner)));
     }
     EXPECT_EQ(ZULTest::GetLiveBlocks(), before);
+}
+
+TEST(ThreePlanesPoint, NoExactRepresentationWhereAPlaneHasNone)
+{
+    const Fixture f(Cartesian(Corner[0]), Cartesian(Corner[1]), PlaneOwner(new PlaneStub(Corner[2])));
+    dynamic_cast<PlaneStub&>(*f.m_Planes[2]).m_GivesFloatRing = false;
+    const long before = ZULTest::GetLiveBlocks();
+    EXPECT_EQ(f.m_Point->GetCartesianRepresentation_FloatRing(),
+              ZULMRSBSPQuadruple<ZULExpFloatRingExtensionTS>(nullptr, false));
+    EXPECT_LE(ZULTest::GetLiveBlocks(), before + 1);  // the stub's notes
 }
 
 TEST(ThreePlanesPoint, TheFilteredRepresentationNeverAllocates)

@@ -46,7 +46,16 @@ public:
     std::size_t GetNbCells() const { return m_NbCells; }
     std::size_t GetNbSurfaceFaces() const;
 
-    ZULMRSEdgePoints& GetEdgePoints() { return m_EdgePoints; }
+    /// True when enough has been created since the last Compact() to make another worth its cost.
+    bool IsCompactDue() const { return m_EdgePoints.IsCompactDue(); }
+    /// Drops every shared object that the cells no longer use.
+    void Compact()
+    {
+        m_Sides.Clear();
+        m_EdgePoints.Compact();
+    }
+    /// To be called before a plane that Locate() or Split() was given is released.
+    void ForgetPlanes() { m_Sides.Clear(); }
 
 private:
     using Face = ZULMRSBSPPolyhedron::Face;

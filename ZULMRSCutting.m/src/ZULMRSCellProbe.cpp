@@ -1,128 +1,199 @@
 #include "ZULMRSCellProbe.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
-bool ZULMRSCellProbe::Run(const ZULMRSBSPPolyhedron& cell, std::vector<ZULMRSSidedPlane>& planes)
+namespace
 {
-    Load(cell);
-    for (const ZULMRSSidedPlane& plane : planes) {
-        if (!Clip(plane)) {
-            return false;
+/// Heights below this part of the terms they are summed from count as none.
+constexpr double Tolerance = 1e-11;
+}  // namespace
+
+void ZULMRSCellProbe::Sort(const ZULMRSBSPPolyhedron& cell, std::vector<ZULMRSToolBound>& bounds)
+{
+    Sketch(cell);
+    for (std::size_t position = 0; position < bounds.size(); ++position) {
+        if (!Clip(bounds[position], position)) {
+            return;
         }
     }
-    const auto bounds = [this](const ZULMRSSidedPlane& plane) {
-        return std::any_of(m_Loops.begin(), m_Loops.begin() + static_cast<std::ptrdiff_t>(m_NbLoops),
-                           [&](const Loop& loop) { return loop.m_Plane == plane.m_Plane; });
-    };
-    planes.erase(std::remove_if(planes.begin(), planes.end(),
-                                [&](const ZULMRSSidedPlane& plane) { return !bounds(plane); }),
-                 planes.end());
-    return true;
+    std::vector<bool> isBounding(bounds.size(), false);
+    for (std::size_t index = 0; index < m_NbLoops; ++index) {
+        if (m_Loops[index].m_Bound != NoBound) {
+            isBounding[m_Loops[index].m_Bound] = true;
+        }
+    }
+    const ZULMRSToolBound* first = bounds.data();
+    std::vector<ZULMRSToolBound> sorted;
+    sorted.reserve(bounds.size());
+    for (const bool wanted : {true, false}) {
+        std::copy_if(bounds.begin(), bounds.end(), std::back_inserter(sorted),
+                     [&](const ZULMRSToolBound& bound) {
+                         return isBounding[static_cast<std::size_t>(&bound - first)] == wanted;
+                     });
+    }
+    bounds.swap(sorted);
 }
 
-void ZULMRSCellProbe::Load(const ZULMRSBSPPolyhedron& cell)
+void ZULMRSCellProbe::Sketch(const ZULMRSBSPPolyhedron& cell)
 {
+    m_Points.clear();
+    m_Vertices.clear();
     m_NbClipped = 0;
     for (std::size_t index = 0; index < cell.GetNbPolygons(); ++index) {
-        const ZULMRSBSPPolygon& polygon = *cell.GetPolygon(index);
-        Loop& loop = NextLoop(polygon.GetSupportingPlane());
-        const std::size_t count = polygon.GetNbPoints();
-        const bool isReversed = cell.GetPolygonOrientation(index) < 0;
-        for (std::size_t step = 0; step < count; ++step) {
-            // Backwards, the edge that ends at a vertex is the one that starts there in the polygon.
-            const std::size_t position = isReversed ? count - 1 - step : step;
-            const std::size_t edge = isReversed ? (position + 1) % count : position;
-            loop.m_Corners.push_back({polygon.GetPoints()[position], polygon.GetAllEdges()[edge]});
+        Loop& loop = NextLoop(NoBound);
+        for (const ZULMRSBSPPoint* point : cell.GetPolygon(index)->GetPoints()) {
+            loop.m_Corners.push_back(VertexOf(point));
+        }
+        // Positive seen from outside.
+        if (cell.GetPolygonOrientation(index) < 0) {
+            std::reverse(loop.m_Corners.begin(), loop.m_Corners.end());
         }
     }
     std::swap(m_Loops, m_Clipped);
     m_NbLoops = m_NbClipped;
 }
 
-/// Keeps the part on the tool's side of the plane; false when nothing with an inside is left.
-bool ZULMRSCellProbe::Clip(const ZULMRSSidedPlane& plane)
+ZULMRSCellProbe::Index ZULMRSCellProbe::VertexOf(const ZULMRSBSPPoint* point)
 {
-    m_Sides.Begin(*plane.m_Plane);
-    bool hasInside = false;
-    bool hasOutside = false;
-    for (std::size_t index = 0; index < m_NbLoops; ++index) {
-        for (const Corner& corner : m_Loops[index].m_Corners) {
-            const int side = m_Sides.Of(corner.m_Point) * plane.m_Sign;
-            hasInside = hasInside || side < 0;
-            hasOutside = hasOutside || side > 0;
-        }
+    const auto known = std::find(m_Points.begin(), m_Points.end(), point);
+    if (known != m_Points.end()) {
+        return static_cast<Index>(known - m_Points.begin());
     }
-    if (!hasInside || !hasOutside) {
-        return hasInside;
+    m_Points.push_back(point);
+    m_Vertices.push_back(point->GetApproximatedXYZ());
+    return static_cast<Index>(m_Points.size() - 1);
+}
+
+/// Keeps the part behind the plane; false when nothing with an inside seems to be left.
+bool ZULMRSCellProbe::Clip(const ZULMRSToolBound& bound, std::size_t position)
+{
+    bool isCut = false;
+    if (!LocateVertices(bound.m_Outward, isCut)) {
+        return false;
+    }
+    if (!isCut) {
+        return true;
     }
     m_NbClipped = 0;
+    m_CutVertices.clear();
     m_WallEdges.clear();
     for (std::size_t index = 0; index < m_NbLoops; ++index) {
-        ClipLoop(m_Loops[index], plane);
+        ClipLoop(m_Loops[index]);
     }
-    CloseWithWall(plane.m_Plane);
+    CloseWithWall(position);
     std::swap(m_Loops, m_Clipped);
     m_NbLoops = m_NbClipped;
     return true;
 }
 
-void ZULMRSCellProbe::ClipLoop(const Loop& loop, const ZULMRSSidedPlane& plane)
+/// The heights of all vertices in use. False when none is behind the plane.
+bool ZULMRSCellProbe::LocateVertices(const std::array<double, 4>& equation, bool& isCut)
 {
-    Loop& clipped = NextLoop(loop.m_Plane);
-    ZULMRSBSPPoint* previous = loop.m_Corners.back().m_Point;
-    int previousSide = m_Sides.Of(previous) * plane.m_Sign;
-    bool hasInside = false;
-    for (const Corner& corner : loop.m_Corners) {
-        const int side = m_Sides.Of(corner.m_Point) * plane.m_Sign;
-        if (previousSide * side < 0) {
-            ZULMRSBSPPoint* cut =
-                m_EdgePoints.Create(loop.m_Plane, corner.m_Edge, plane.m_Plane, previous, corner.m_Point);
-            m_Sides.SetOn(cut);
-            clipped.m_Corners.push_back({cut, side < 0 ? plane.m_Plane : corner.m_Edge});
-        }
-        if (side <= 0) {
-            // Coming from outside straight onto a vertex of the plane, the edge that ends there is the
-            // wall's.
-            clipped.m_Corners.push_back(
-                {corner.m_Point, previousSide > 0 && side == 0 ? plane.m_Plane : corner.m_Edge});
-        }
-        hasInside = hasInside || side < 0;
-        previous = corner.m_Point;
-        previousSide = side;
+    m_Heights.resize(m_Vertices.size());
+    for (std::size_t index = 0; index < m_Vertices.size(); ++index) {
+        const auto& [x, y, z] = m_Vertices[index];
+        const double height = equation[0] * x + equation[1] * y + (equation[2] * z + equation[3]);
+        const double terms = std::fabs(equation[0] * x) + std::fabs(equation[1] * y) +
+                             std::fabs(equation[2] * z) + std::fabs(equation[3]);
+        m_Heights[index] = std::fabs(height) <= Tolerance * terms ? 0.0 : height;
     }
-    if (!hasInside) {
+    bool isBehind = false;
+    for (std::size_t index = 0; index < m_NbLoops; ++index) {
+        for (const Index corner : m_Loops[index].m_Corners) {
+            isBehind = isBehind || m_Heights[corner] < 0.0;
+            isCut = isCut || m_Heights[corner] > 0.0;
+        }
+    }
+    return isBehind;
+}
+
+void ZULMRSCellProbe::ClipLoop(const Loop& loop)
+{
+    Loop& clipped = NextLoop(loop.m_Bound);
+    Index previous = loop.m_Corners.back();
+    bool isBehind = false;
+    for (const Index corner : loop.m_Corners) {
+        if (m_Heights[previous] * m_Heights[corner] < 0.0) {
+            clipped.m_Corners.push_back(Cut(previous, corner));
+        }
+        if (m_Heights[corner] <= 0.0) {
+            clipped.m_Corners.push_back(corner);
+        }
+        isBehind = isBehind || m_Heights[corner] < 0.0;
+        previous = corner;
+    }
+    if (!isBehind || clipped.m_Corners.size() < 3) {
         --m_NbClipped;
         return;
     }
-    // Every edge on the plane, seen the other way round, belongs to the wall.
-    ZULMRSBSPPoint* start = clipped.m_Corners.back().m_Point;
-    for (const Corner& corner : clipped.m_Corners) {
-        if (m_Sides.Of(start) == 0 && m_Sides.Of(corner.m_Point) == 0) {
-            m_WallEdges.push_back({corner.m_Point, start, loop.m_Plane});
+    // Every edge on the plane, passed the other way round, belongs to the wall.
+    Index start = clipped.m_Corners.back();
+    for (const Index end : clipped.m_Corners) {
+        if (m_Heights[start] == 0.0 && m_Heights[end] == 0.0) {
+            m_WallEdges.push_back({end, start});
         }
-        start = corner.m_Point;
+        start = end;
     }
 }
 
-void ZULMRSCellProbe::CloseWithWall(ZULMRSBSPPlane* plane)
+/// The vertex in which the plane cuts an edge, the same one for both faces at it.
+ZULMRSCellProbe::Index ZULMRSCellProbe::Cut(Index start, Index end)
 {
-    Loop& wall = NextLoop(plane);
-    const WallEdge* edge = m_WallEdges.data();
+    const Edge edge{std::min(start, end), std::max(start, end)};
+    const auto known = std::find_if(m_CutVertices.begin(), m_CutVertices.end(), [&](const CutVertex& cut) {
+        return cut.m_Edge.m_Start == edge.m_Start && cut.m_Edge.m_End == edge.m_End;
+    });
+    if (known != m_CutVertices.end()) {
+        return known->m_Vertex;
+    }
+    const double part = m_Heights[edge.m_Start] / (m_Heights[edge.m_Start] - m_Heights[edge.m_End]);
+    std::array<double, 3> vertex{};
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        vertex[axis] = m_Vertices[edge.m_Start][axis] +
+                       part * (m_Vertices[edge.m_End][axis] - m_Vertices[edge.m_Start][axis]);
+    }
+    const Index index = static_cast<Index>(m_Vertices.size());
+    m_Vertices.push_back(vertex);
+    m_Heights.push_back(0.0);
+    m_CutVertices.push_back({edge, index});
+    return index;
+}
+
+/// The wall of a sketch may fail to close where vertices nearly coincide; it is then left as far as it goes.
+void ZULMRSCellProbe::CloseWithWall(std::size_t position)
+{
+    if (m_WallEdges.empty()) {
+        return;
+    }
+    Loop& wall = NextLoop(position);
+    const Index first = m_WallEdges.front().m_Start;
+    Index at = first;
     while (wall.m_Corners.size() < m_WallEdges.size()) {
-        wall.m_Corners.push_back({edge->m_End, edge->m_Plane});
-        edge = &*std::find_if(m_WallEdges.begin(), m_WallEdges.end(),
-                              [&](const WallEdge& other) { return other.m_Start == edge->m_End; });
+        const auto next = std::find_if(m_WallEdges.begin(), m_WallEdges.end(),
+                                       [at](const Edge& edge) { return edge.m_Start == at; });
+        if (next == m_WallEdges.end()) {
+            break;
+        }
+        at = next->m_End;
+        wall.m_Corners.push_back(at);
+        if (at == first) {
+            break;
+        }
+    }
+    if (wall.m_Corners.size() < 3) {
+        --m_NbClipped;
     }
 }
 
-ZULMRSCellProbe::Loop& ZULMRSCellProbe::NextLoop(ZULMRSBSPPlane* plane)
+ZULMRSCellProbe::Loop& ZULMRSCellProbe::NextLoop(std::size_t bound)
 {
     if (m_NbClipped == m_Clipped.size()) {
         m_Clipped.emplace_back();
     }
     Loop& loop = m_Clipped[m_NbClipped++];
-    loop.m_Plane = plane;
+    loop.m_Bound = bound;
     loop.m_Corners.clear();
     return loop;
 }

@@ -1,62 +1,66 @@
 #ifndef ZULMRSCellProbe_h
 #define ZULMRSCellProbe_h
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "ZULMRSBSPPolyhedron.h"
-#include "ZULMRSEdgePoints.h"
-#include "ZULMRSPointSides.h"
 
-/// A plane and the side of it that a tool leaves alone: with sign 1 in front of it, with -1 behind it.
-struct ZULMRSSidedPlane {
+/// A half-space of a tool: the shared plane, the side of it that the tool leaves alone (1 in front, -1
+/// behind), and the equation turned so that the tool lies behind.
+struct ZULMRSToolBound {
     ZULMRSBSPPlane* m_Plane;
     int m_Sign;
+    std::array<double, 4> m_Outward;
 };
 
-/// Finds out what a convex tool does to a cell before the cell is touched, by clipping a copy of its loops:
-/// whether they have an inside in common at all, and which of the tool's planes bound it. Cutting by these
-/// alone leaves the fewest pieces.
+/// Guesses, in plain doubles, which of a tool's planes will bound what it has in common with a cell, by
+/// clipping a sketch of the cell. Cutting by these first leaves the fewest pieces. Only the order rests on
+/// the guess, never a decision.
 class ZULMRSCellProbe
 {
 public:
-    explicit ZULMRSCellProbe(ZULMRSEdgePoints& edgePoints) : m_EdgePoints(edgePoints) {}
-
-    /// Keeps of the given planes, each of which crosses the cell, those that bound the common part, in their
-    /// order. False when there is no common inside.
-    bool Run(const ZULMRSBSPPolyhedron& cell, std::vector<ZULMRSSidedPlane>& planes);
+    /// Moves the planes that seem to bound the common part to the front, each group in its given order.
+    void Sort(const ZULMRSBSPPolyhedron& cell, std::vector<ZULMRSToolBound>& bounds);
 
 private:
-    struct Corner {
-        ZULMRSBSPPoint* m_Point;  // the end of the edge
-        ZULMRSBSPPlane* m_Edge;
-    };
-    /// A face, its loop positive seen from outside.
+    using Index = std::uint32_t;
+    static constexpr std::size_t NoBound = static_cast<std::size_t>(-1);
+
     struct Loop {
-        ZULMRSBSPPlane* m_Plane = nullptr;
-        std::vector<Corner> m_Corners;
+        std::size_t m_Bound = NoBound;  // which of the tool's planes it lies on, if any
+        std::vector<Index> m_Corners;
+    };
+    struct Edge {
+        Index m_Start;
+        Index m_End;
+    };
+    struct CutVertex {
+        Edge m_Edge;
+        Index m_Vertex;
     };
 
-    void Load(const ZULMRSBSPPolyhedron& cell);
-    bool Clip(const ZULMRSSidedPlane& plane);
-    void ClipLoop(const Loop& loop, const ZULMRSSidedPlane& plane);
-    void CloseWithWall(ZULMRSBSPPlane* plane);
-    Loop& NextLoop(ZULMRSBSPPlane* plane);
+    void Sketch(const ZULMRSBSPPolyhedron& cell);
+    Index VertexOf(const ZULMRSBSPPoint* point);
+    bool Clip(const ZULMRSToolBound& bound, std::size_t position);
+    bool LocateVertices(const std::array<double, 4>& equation, bool& isCut);
+    void ClipLoop(const Loop& loop);
+    Index Cut(Index start, Index end);
+    void CloseWithWall(std::size_t position);
+    Loop& NextLoop(std::size_t bound);
 
-    ZULMRSEdgePoints& m_EdgePoints;
-    ZULMRSPointSides m_Sides;
+    std::vector<const ZULMRSBSPPoint*> m_Points;  // of the first vertices, as the cell has them
+    std::vector<std::array<double, 3>> m_Vertices;
+    std::vector<double> m_Heights;  // of the vertices above the plane at hand; 0 on it
+    std::vector<CutVertex> m_CutVertices;
+    std::vector<Edge> m_WallEdges;
     // Loops beyond the number in use keep their memory for the next cell.
     std::vector<Loop> m_Loops;
     std::vector<Loop> m_Clipped;
     std::size_t m_NbLoops = 0;
     std::size_t m_NbClipped = 0;
-
-    struct WallEdge {
-        ZULMRSBSPPoint* m_Start;
-        ZULMRSBSPPoint* m_End;
-        ZULMRSBSPPlane* m_Plane;
-    };
-    std::vector<WallEdge> m_WallEdges;
 };
 
 #endif

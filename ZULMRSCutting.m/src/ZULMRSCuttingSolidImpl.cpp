@@ -11,27 +11,6 @@ namespace
 constexpr double LeafSizesPerExtent = 16.0;
 constexpr double LeastLeafPerLeafSize = 1.0 / 16.0;
 
-/// A box that contains the cell for certain: the bounds of its points' error intervals, moved outwards by one
-/// step.
-ZULMRSLeafBox BoxOf(const ZULMRSBSPPolyhedron& cell)
-{
-    constexpr double infinity = std::numeric_limits<double>::infinity();
-    ZULMRSLeafBox box{{infinity, infinity, infinity}, {-infinity, -infinity, -infinity}};
-    for (const ZULMRSBSPPoint* point : cell.GetAllPoints()) {
-        const auto [values, isOwned] = point->GetApproximatedXYZError();
-        for (std::size_t axis = 0; axis < 3; ++axis) {
-            box.m_Low[axis] =
-                std::min(box.m_Low[axis], std::nextafter((*values)[axis] - (*values)[3], -infinity));
-            box.m_High[axis] =
-                std::max(box.m_High[axis], std::nextafter((*values)[axis] + (*values)[3], infinity));
-        }
-        if (isOwned) {
-            delete values;
-        }
-    }
-    return box;
-}
-
 bool HasVolume(const ZULMathOBB& box)
 {
     const double volume = box.Volume();
@@ -43,8 +22,7 @@ bool HasVolume(const ZULMathOBB& box)
 ZULMRSCuttingSolid::Impl::Impl(const ZULMathOBB& stock, const ZULMRSCuttingOptions& options)
     : m_Options(options),
       m_Factory(ZULMRSCreateObjectFactory(false)),
-      m_Complex(std::make_unique<ZULMRSCellComplex>(*m_Factory)),
-      m_Probe(std::make_unique<ZULMRSCellProbe>(m_Complex->GetEdgePoints()))
+      m_Complex(std::make_unique<ZULMRSCellComplex>(*m_Factory))
 {
     if (m_Options.m_GriddingTolerance > 0.0 &&
         m_Factory->SetGriddingTolerance(stock, m_Options.m_GriddingTolerance) != ZULMRSNoError) {
@@ -54,7 +32,8 @@ ZULMRSCuttingSolid::Impl::Impl(const ZULMathOBB& stock, const ZULMRSCuttingOptio
     if (cell == ZULMRSCellComplex::NoCell) {
         return;
     }
-    m_Nodes.push_back({BoxOf(m_Complex->GetCell(cell)), 0, {cell}});
+    UpdateBox(cell);
+    m_Nodes.push_back({m_CellBoxes[cell], 0, {cell}});
     if (m_Options.m_LeafSize <= 0.0) {
         m_Options.m_LeafSize = LongestSide(0) / LeafSizesPerExtent;
     }
@@ -69,12 +48,6 @@ ZULMRSCuttingSolid::Impl::CellId ZULMRSCuttingSolid::Impl::AddStock(const ZULMat
     return m_Complex->AddBox(stock, exactPlanes);
 }
 
-ZULMRSCuttingSolid::Impl::~Impl()
-{
-    m_Probe.reset();
-    m_Complex.reset();
-}
-
 bool ZULMRSCuttingSolid::Impl::Apply(const ZULMRSConvexTool& tool, Operation operation)
 {
     if (m_Nodes.empty()) {
@@ -86,7 +59,7 @@ bool ZULMRSCuttingSolid::Impl::Apply(const ZULMRSConvexTool& tool, Operation ope
     }
     const bool hasChanged = Visit(0, bounds, operation);
     ReleaseBounds(bounds);
-    if (m_Complex->GetEdgePoints().IsCompactDue()) {
+    if (m_Complex->IsCompactDue()) {
         Compact();
     }
     return hasChanged;
@@ -132,7 +105,7 @@ bool ZULMRSCuttingSolid::Impl::AcquireBound(const std::array<double, 4>& equatio
     }
     const int sign = isOpposite ? -1 : 1;
     const bool isKnown = std::any_of(bounds.begin(), bounds.end(), [&](const Bound& bound) {
-        return bound.m_Plane.m_Plane == plane && bound.m_Plane.m_Sign == sign;
+        return bound.m_Plane == plane && bound.m_Sign == sign;
     });
     if (isKnown) {
         plane->Release();
@@ -142,14 +115,15 @@ bool ZULMRSCuttingSolid::Impl::AcquireBound(const std::array<double, 4>& equatio
     for (double& coefficient : outward) {
         coefficient *= sign;
     }
-    bounds.push_back({{plane, sign}, outward});
+    bounds.push_back({plane, sign, outward});
     return true;
 }
 
 void ZULMRSCuttingSolid::Impl::ReleaseBounds(const Bounds& bounds)
 {
+    m_Complex->ForgetPlanes();
     for (const Bound& bound : bounds) {
-        bound.m_Plane.m_Plane->Release();
+        bound.m_Plane->Release();
     }
 }
 
@@ -157,7 +131,7 @@ bool ZULMRSCuttingSolid::Impl::Visit(std::uint32_t node, const Bounds& bounds, O
 {
     Bounds active;
     for (const Bound& bound : bounds) {
-        switch (m_Nodes[node].m_Box.Locate(bound.m_Equation)) {
+        switch (m_Nodes[node].m_Box.Locate(bound.m_Outward)) {
             case ZULMRSLeafBox::Position::InFront:
                 return operation == Operation::KeepInside && RemoveAll(node);
             case ZULMRSLeafBox::Position::Unknown:
@@ -245,35 +219,79 @@ bool ZULMRSCuttingSolid::Impl::CutCell(CellId cell, const Bounds& bounds, Operat
         }
         return !isKept;
     };
-    std::vector<ZULMRSSidedPlane> crossing;
+    Bounds crossing;
     for (const Bound& bound : bounds) {
-        const ZULMRSCellComplex::Position position = m_Complex->Locate(cell, *bound.m_Plane.m_Plane);
-        if (position == ZULMRSCellComplex::Position::Crossing) {
-            crossing.push_back(bound.m_Plane);
-        } else if ((position == ZULMRSCellComplex::Position::InFront) == (bound.m_Plane.m_Sign > 0)) {
-            return settle(cell, isSubtract);
+        switch (Locate(cell, bound)) {
+            case ZULMRSCellComplex::Position::InFront:
+                return settle(cell, isSubtract);
+            case ZULMRSCellComplex::Position::Crossing:
+                crossing.push_back(bound);
+                break;
+            case ZULMRSCellComplex::Position::Behind:
+                break;
         }
     }
-    if (!crossing.empty() && !m_Probe->Run(m_Complex->GetCell(cell), crossing)) {
-        return settle(cell, isSubtract);
+    if (crossing.size() > 1) {
+        m_Probe.Sort(m_Complex->GetCell(cell), crossing);
     }
     bool hasChanged = false;
-    for (const ZULMRSSidedPlane& plane : crossing) {
-        const CellId front = m_Complex->Split(cell, plane.m_Plane);
-        const CellId outside = plane.m_Sign > 0 ? front : cell;
-        cell = plane.m_Sign > 0 ? cell : front;
-        hasChanged = settle(outside, isSubtract) || hasChanged;
+    for (const Bound& bound : crossing) {
+        const ZULMRSCellComplex::Position position = Locate(cell, bound);
+        if (position == ZULMRSCellComplex::Position::InFront) {
+            return settle(cell, isSubtract) || hasChanged;
+        }
+        if (position == ZULMRSCellComplex::Position::Crossing) {
+            const CellId front = SplitCell(cell, bound.m_Plane);
+            const CellId outside = bound.m_Sign > 0 ? front : cell;
+            cell = bound.m_Sign > 0 ? cell : front;
+            hasChanged = settle(outside, isSubtract) || hasChanged;
+        }
     }
     return settle(cell, !isSubtract) || hasChanged;
 }
 
+/// Where a cell lies with respect to a tool's plane, front being the side that the tool leaves alone.
+ZULMRSCellComplex::Position ZULMRSCuttingSolid::Impl::Locate(CellId cell, const Bound& bound)
+{
+    using Position = ZULMRSCellComplex::Position;
+    switch (m_CellBoxes[cell].Locate(bound.m_Outward)) {
+        case ZULMRSLeafBox::Position::InFront:
+            return Position::InFront;
+        case ZULMRSLeafBox::Position::Behind:
+            return Position::Behind;
+        case ZULMRSLeafBox::Position::Unknown:
+            break;
+    }
+    const Position position = m_Complex->Locate(cell, *bound.m_Plane);
+    if (bound.m_Sign > 0 || position == Position::Crossing) {
+        return position;
+    }
+    return position == Position::InFront ? Position::Behind : Position::InFront;
+}
+
+ZULMRSCuttingSolid::Impl::CellId ZULMRSCuttingSolid::Impl::SplitCell(CellId cell, ZULMRSBSPPlane* plane)
+{
+    const CellId front = m_Complex->Split(cell, plane);
+    UpdateBox(cell);
+    UpdateBox(front);
+    return front;
+}
+
+void ZULMRSCuttingSolid::Impl::UpdateBox(CellId cell)
+{
+    if (cell >= m_CellBoxes.size()) {
+        m_CellBoxes.resize(cell + 1);
+    }
+    m_CellBoxes[cell] = ZULMRSLeafBox::Around(m_Complex->GetCell(cell));
+}
+
 void ZULMRSCuttingSolid::Impl::SplitIn(std::uint32_t node, const Bound& bound, std::size_t& count)
 {
-    if (m_Nodes[node].m_Box.Locate(bound.m_Equation) != ZULMRSLeafBox::Position::Unknown) {
+    if (m_Nodes[node].m_Box.Locate(bound.m_Outward) != ZULMRSLeafBox::Position::Unknown) {
         return;
     }
     if (IsLeaf(node)) {
-        count += SplitLeaf(node, bound.m_Plane.m_Plane);
+        count += SplitLeaf(node, bound.m_Plane);
         return;
     }
     SplitIn(m_Nodes[node].m_FirstChild, bound, count);
@@ -286,7 +304,7 @@ std::size_t ZULMRSCuttingSolid::Impl::SplitLeaf(std::uint32_t node, ZULMRSBSPPla
     const std::size_t before = cells.size();
     for (std::size_t index = 0; index < before; ++index) {
         if (m_Complex->Locate(cells[index], *plane) == ZULMRSCellComplex::Position::Crossing) {
-            cells.push_back(m_Complex->Split(cells[index], plane));
+            cells.push_back(SplitCell(cells[index], plane));
         }
     }
     return cells.size() - before;
@@ -315,6 +333,7 @@ bool ZULMRSCuttingSolid::Impl::Refine(std::uint32_t node)
         const bool isInFront = m_Complex->Locate(cell, *wall) == ZULMRSCellComplex::Position::InFront;
         (isInFront != isOpposite ? high : low).m_Cells.push_back(cell);
     }
+    m_Complex->ForgetPlanes();
     wall->Release();
 
     m_Nodes[node].m_FirstChild = static_cast<std::uint32_t>(m_Nodes.size());

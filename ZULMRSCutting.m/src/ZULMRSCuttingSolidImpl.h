@@ -17,7 +17,6 @@ class ZULMRSCuttingSolid::Impl
 {
 public:
     Impl(const ZULMathOBB& stock, const ZULMRSCuttingOptions& options);
-    ~Impl();
 
     bool Subtract(const ZULMRSConvexTool& tool) { return Apply(tool, Operation::Subtract); }
     bool KeepInside(const ZULMRSConvexTool& tool) { return Apply(tool, Operation::KeepInside); }
@@ -26,7 +25,7 @@ public:
     const ZULMRSCellComplex& GetComplex() const { return *m_Complex; }
     ZULMRSBSPObjectFactory& GetFactory() { return *m_Factory; }
     std::vector<ZULMRSBSPPolyhedron*> GetCellsInTreeOrder() const;
-    void Compact() { m_Complex->GetEdgePoints().Compact(); }
+    void Compact() { m_Complex->Compact(); }
 
 private:
     using CellId = ZULMRSCellComplex::CellId;
@@ -38,24 +37,22 @@ private:
         std::vector<CellId> m_Cells;     // of a leaf
     };
 
-    /// A half-space of the tool in force: the shared plane, its outward side, and the equation turned
-    /// outwards.
-    struct Bound {
-        ZULMRSSidedPlane m_Plane;
-        std::array<double, 4> m_Equation;
-    };
+    using Bound = ZULMRSToolBound;
     using Bounds = std::vector<Bound>;
 
     CellId AddStock(const ZULMathOBB& stock);
     bool Apply(const ZULMRSConvexTool& tool, Operation operation);
     bool AcquireBound(const std::array<double, 4>& equation, Bounds& bounds);
-    static void ReleaseBounds(const Bounds& bounds);
+    void ReleaseBounds(const Bounds& bounds);
 
     bool Visit(std::uint32_t node, const Bounds& bounds, Operation operation);
     bool VisitChildren(std::uint32_t node, const Bounds& bounds, Operation operation);
     bool RemoveAll(std::uint32_t node);
     bool CutLeaf(std::uint32_t node, const Bounds& bounds, Operation operation);
     bool CutCell(CellId cell, const Bounds& bounds, Operation operation, std::vector<CellId>& remaining);
+    ZULMRSCellComplex::Position Locate(CellId cell, const Bound& bound);
+    CellId SplitCell(CellId cell, ZULMRSBSPPlane* plane);
+    void UpdateBox(CellId cell);
     std::size_t SplitLeaf(std::uint32_t node, ZULMRSBSPPlane* plane);
     void SplitIn(std::uint32_t node, const Bound& bound, std::size_t& count);
 
@@ -68,8 +65,9 @@ private:
     ZULMRSCuttingOptions m_Options;
     std::unique_ptr<ZULMRSBSPObjectFactory> m_Factory;
     std::unique_ptr<ZULMRSCellComplex> m_Complex;
-    std::unique_ptr<ZULMRSCellProbe> m_Probe;
-    std::vector<Node> m_Nodes;  // the root first; empty for an empty solid
+    ZULMRSCellProbe m_Probe;
+    std::vector<ZULMRSLeafBox> m_CellBoxes;  // by cell
+    std::vector<Node> m_Nodes;               // the root first; empty for an empty solid
 };
 
 #endif

@@ -4,10 +4,16 @@
 #include <array>
 #include <cstddef>
 
-/// An axis-parallel box of the spatial division. Everything in the leaf lies inside it, exactly.
+#include "ZULMRSBSPPolyhedron.h"
+
+/// An axis-parallel box, of a leaf of the spatial division or round a cell. What it stands for lies inside
+/// it, exactly.
 struct ZULMRSLeafBox {
     std::array<double, 3> m_Low;
     std::array<double, 3> m_High;
+
+    /// A box that contains the cell for certain: infinite where its points' kept numbers tell nothing.
+    static ZULMRSLeafBox Around(const ZULMRSBSPPolyhedron& cell);
 
     enum class Position { InFront, Behind, Unknown };
 

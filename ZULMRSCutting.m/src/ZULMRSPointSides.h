@@ -15,10 +15,22 @@ class ZULMRSPointSides
 public:
     ZULMRSPointSides() : m_Slots(256) {}
 
-    /// Forgets everything and turns to another plane.
+    /// Turns to a plane, forgetting everything about another one. The points asked about must live until
+    /// Clear().
     void Begin(const ZULMRSBSPPlane& plane)
     {
+        if (m_Plane == &plane) {
+            return;
+        }
         m_Plane = &plane;
+        m_Size = 0;
+        ++m_Generation;
+    }
+
+    /// To be called before points or the plane may be freed.
+    void Clear()
+    {
+        m_Plane = nullptr;
         m_Size = 0;
         ++m_Generation;
     }

@@ -120,8 +120,9 @@ ZULMRSBSPPlaneFactoryImpl::ZULMRSBSPPlaneFactoryImpl(bool geometricIdentity)
 
 ZULMRSBSPPlaneFactoryImpl::~ZULMRSBSPPlaneFactoryImpl()
 {
-    ZULKLOOutput::GetOut() << ZULMRSBSPFactoryReport::Statistics{
-        "ZULMRSBSPPlaneFactory", "Planes", m_NbPlanesRequired, m_NbPlanesReused, Size()};
+    ZULKLOOutput::GetOut() << ZULMRSBSPFactoryReport::Statistics{"ZULMRSBSPPlaneFactory", "Planes",
+                                                                 m_NbPlanesRequired, m_NbPlanesReused,
+                                                                 ZULMRSBSPPlaneFactoryImpl::Size()};
     ReleaseAll(m_GeometricSet);
     ReleaseAll(m_ExactSet);
     ZULMRSBSPPlane::ReleaseObject(m_SearchPlane);

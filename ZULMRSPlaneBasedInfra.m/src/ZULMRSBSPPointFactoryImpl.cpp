@@ -67,7 +67,8 @@ ZULMRSBSPPointFactory* ZULMRSCreatePointFactory()
 ZULMRSBSPPointFactoryImpl::~ZULMRSBSPPointFactoryImpl()
 {
     ZULKLOOutput::GetOut() << ZULMRSBSPFactoryReport::Statistics{
-        "ZULMRSBSPPointFactory", "Points", m_NbPointsRequired.load(), m_NbPointsReused.load(), Size()};
+        "ZULMRSBSPPointFactory", "Points", m_NbPointsRequired.load(), m_NbPointsReused.load(),
+        ZULMRSBSPPointFactoryImpl::Size()};
     const auto start = std::chrono::steady_clock::now();
     ForEachEntry(m_TripleTable,
                  [](const TripleTable::value_type& entry) { ZULMRSBSPPoint::ReleaseObject(entry.second); });

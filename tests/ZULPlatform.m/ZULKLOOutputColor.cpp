@@ -1,44 +1,16 @@
 #include "ZULKLOOutputColor.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <stdlib.h>
 #include <unistd.h>
 
 #include <sstream>
+#include <string>
 
 #include "ZULKLOOutput.h"
+#include "ZULTestTerminal.h"
 
 namespace
 {
-/// Makes standard error a terminal while it lives.
-class TerminalOnStandardError
-{
-public:
-    TerminalOnStandardError() : m_Master(posix_openpt(O_RDWR | O_NOCTTY)), m_Saved(dup(STDERR_FILENO))
-    {
-        if (m_Master >= 0 && grantpt(m_Master) == 0 && unlockpt(m_Master) == 0) {
-            const int terminal = open(ptsname(m_Master), O_RDWR | O_NOCTTY);
-            m_IsGood = terminal >= 0 && dup2(terminal, STDERR_FILENO) == STDERR_FILENO;
-            close(terminal);
-        }
-    }
-    ~TerminalOnStandardError()
-    {
-        dup2(m_Saved, STDERR_FILENO);
-        close(m_Saved);
-        close(m_Master);
-    }
-    TerminalOnStandardError(const TerminalOnStandardError&) = delete;
-    TerminalOnStandardError& operator=(const TerminalOnStandardError&) = delete;
-    bool IsGood() const { return m_IsGood; }
-
-private:
-    int m_Master;
-    int m_Saved;
-    bool m_IsGood = false;
-};
-
 /// Makes standard error a pipe while it lives.
 class PipeOnStandardError
 {
@@ -81,7 +53,7 @@ TEST(ZULKLOOutputColor, IsEmptyWithoutATerminal)
 
 TEST(ZULKLOOutputColor, GivesControlSequencesOnATerminal)
 {
-    const TerminalOnStandardError terminal;
+    const ZULTest::TerminalOnStandardError terminal;
     ASSERT_TRUE(terminal.IsGood());
     EXPECT_TRUE(ZULKLOOutput::IsTerminal());
     EXPECT_STREQ(ZULKLOOutputColor::SetTextColor(12, 0), "\033[91;49m");
@@ -95,7 +67,7 @@ TEST(ZULKLOOutputColor, GivesControlSequencesOnATerminal)
 
 TEST(ZULKLOOutputColor, IsEmptyForAnyOtherNumber)
 {
-    const TerminalOnStandardError terminal;
+    const ZULTest::TerminalOnStandardError terminal;
     ASSERT_TRUE(terminal.IsGood());
     for (const int color : {-1, 16, 1000}) {
         EXPECT_STREQ(ZULKLOOutputColor::SetTextColor(color, 0), "");
@@ -105,7 +77,7 @@ TEST(ZULKLOOutputColor, IsEmptyForAnyOtherNumber)
 
 TEST(ZULKLOOutputColor, IsEmptyWhileTheStreamIsRedirected)
 {
-    const TerminalOnStandardError terminal;
+    const ZULTest::TerminalOnStandardError terminal;
     ASSERT_TRUE(terminal.IsGood());
     std::ostringstream text;
     ZULKLOOutput::Redirect(&text);

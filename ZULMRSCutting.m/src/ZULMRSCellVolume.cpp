@@ -1,6 +1,7 @@
 #include "ZULMRSCellCheck.h"
 #include "ZULMRSCompensatedSum.h"
 #include "ZULMRSNumbering.h"
+#include "ZULMRSPointLocation.h"
 #include "ZULMRSPolygonLoop.h"
 #include "ZULMathPoint.h"
 
@@ -47,8 +48,7 @@ private:
     {
         const std::uint32_t number = m_Numbers.GetNumber(point);
         if (number == m_Locations.size()) {
-            const std::array<double, 3> xyz = point->GetApproximatedXYZ();
-            m_Locations.emplace_back(xyz[0], xyz[1], xyz[2]);
+            m_Locations.push_back(ZULMRSLocatePoint(*point));
         }
         return m_Locations[number];
     }

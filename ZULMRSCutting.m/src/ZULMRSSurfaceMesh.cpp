@@ -5,6 +5,7 @@
 #include "ZULMRSCompensatedSum.h"
 #include "ZULMRSEdgeGroups.h"
 #include "ZULMRSFlatMesh.h"
+#include "ZULMRSPointLocation.h"
 #include "ZULMRSSurfaceGraph.h"
 
 namespace
@@ -35,8 +36,7 @@ ZULMRSSurfaceMesh MakeMesh(const ZULMRSSurfaceGraph& graph, const ZULMRSFlatMesh
             std::uint32_t& number = numbers[vertex];
             if (number == ZULMRSSurfaceGraph::None) {
                 number = static_cast<std::uint32_t>(mesh.m_Vertices.size());
-                const std::array<double, 3> xyz = graph.m_Points[vertex]->GetApproximatedXYZ();
-                mesh.m_Vertices.emplace_back(xyz[0], xyz[1], xyz[2]);
+                mesh.m_Vertices.push_back(ZULMRSLocatePoint(*graph.m_Points[vertex]));
             }
             vertex = number;
         }

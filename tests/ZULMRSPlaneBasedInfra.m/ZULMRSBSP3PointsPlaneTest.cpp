@@ -345,16 +345,19 @@ TEST(CoordinateRecord, FailedConstructionGivesItsRecordsBack)
 {
     Through(UnitPoints).reset();
     const long before = ZULTest::GetLiveBlocks();
-    for (int succeeding = 1; succeeding < 7; ++succeeding) {
+    // A plane, then a record and its place in the table for the one point that is new.
+    constexpr int nbBlocks = 3;
+    for (int granted = 0; granted < nbBlocks; ++granted) {
         auto held = Through({{{5, 6, 7}, {5, 6, 8}, {5, 7, 9}}});
-        std::vector<std::array<double, 3>> points = {
-            {5, 6, 7}, {0.5, 0.25, static_cast<double>(succeeding)}, {5, 7, 9}};
+        const ZULTest::Point3 unknown = {0.5, 0.25, 0.125};
         {
-            const ZULTest::AllocationFailure failure(succeeding);
-            EXPECT_EQ(ZULMRSBSPPlaneNS::Create3PointsPlane(points[0], points[1], points[2]), nullptr);
+            const ZULTest::AllocationFailure failure(1, granted);
+            EXPECT_EQ(ZULMRSBSPPlaneNS::Create3PointsPlane({5, 6, 7}, {5, 7, 9}, unknown), nullptr);
+            EXPECT_EQ(ZULTest::t_AllocationsToFail, 0);
         }
         EXPECT_EQ(RecordsOf(*held)[0]->m_References.load(), 1);
         EXPECT_EQ(RecordsOf(*held)[0]->m_TableCount, 1);
+        EXPECT_EQ(RecordsOf(*held)[2]->m_References.load(), 1);
     }
     EXPECT_EQ(ZULTest::GetLiveBlocks(), before);
 }

@@ -76,7 +76,7 @@ struct LateOwner {
 };
 LateOwner g_Cartesian;
 LateOwner g_ThreePoints;
-ZULMRSBSPPlane* g_Leaked = nullptr;
+ZULMRSBSPPlane* volatile g_Leaked = nullptr;  // volatile: kept in memory, where leak checkers see it
 
 void MakeLatePlanes()
 {

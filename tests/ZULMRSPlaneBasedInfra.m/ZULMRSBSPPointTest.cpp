@@ -306,8 +306,9 @@ TEST(PointCreation, NullWhenMemoryIsExhausted)
     auto y = Cartesian(0, 1, 0, -2);
     auto z = Cartesian(0, 0, 1, -3);
     const long before = ZULTest::GetLiveBlocks();
-    for (int failing = 1; failing <= 4; ++failing) {
-        const ZULTest::AllocationFailure failure(failing);
+    for (int granted = 0; granted < 4; ++granted) {
+        // The point, or one of its planes.
+        const ZULTest::AllocationFailure failure(1, granted);
         EXPECT_EQ(ZULMRSBSPPointNS::CreatePoint(ZULMathPoint(1, 2, 3)), nullptr);
     }
     for (const bool tryExact : {false, true}) {

@@ -12,6 +12,7 @@ namespace ZULTest
 {
 inline std::atomic<long> g_LiveBlocks{0};
 inline thread_local int t_AllocationsToPass = 0;
+inline thread_local int t_AllocationsToGrant = 0;
 inline thread_local int t_AllocationsToFail = 0;
 inline thread_local long t_Allocations = 0;
 

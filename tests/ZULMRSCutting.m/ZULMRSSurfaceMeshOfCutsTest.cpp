@@ -2,22 +2,19 @@
 
 #include <array>
 #include <cmath>
-#include <map>
 #include <sstream>
-#include <string>
+#include <vector>
 
 #include "ZULKLOOutput.h"
-#include "ZULMRSCellCheck.h"
 #include "ZULMRSCuttingSolid.h"
+#include "ZULTestMesh.h"
 #include "ZULTestTools.h"
-#include "ZULTestVolume.h"
 
 /// Surfaces of solids that the cutter made, whose walls and slivers are no neat grid.
 namespace
 {
 using ZULTest::AxisBox;
 using ZULTest::BoxTool;
-using ZULTest::ExactVolume;
 using ZULTest::Random;
 
 class ZULMRSSurfaceMeshOfCuts : public testing::Test
@@ -38,28 +35,7 @@ ZULMRSCuttingOptions LeavesOf(double size)
 
 ZULMRSSurfaceMesh ExtractSound(const ZULMRSCuttingSolid& solid)
 {
-    for (const std::string& fault : ZULMRSCheckCells(solid.GetCells()).m_Faults) {
-        ADD_FAILURE() << fault;
-    }
-    ZULMRSSurfaceMesh mesh = solid.ExtractSurface();
-    EXPECT_TRUE(mesh.IsClosed());
-    const double volume = ExactVolume(solid.GetCells()).get_d();
-    EXPECT_NEAR(mesh.GetVolume(), volume, 1e-11 * volume);
-    EXPECT_NEAR(solid.GetVolume(), volume, 1e-11 * volume);
-    return mesh;
-}
-
-bool IsManifold(const ZULMRSSurfaceMesh& mesh)
-{
-    std::map<std::pair<std::uint32_t, std::uint32_t>, int> uses;
-    for (const auto& triangle : mesh.m_Triangles) {
-        for (std::size_t i = 0; i < 3; ++i) {
-            if (++uses[std::minmax(triangle[i], triangle[(i + 1) % 3])] > 2) {
-                return false;
-            }
-        }
-    }
-    return true;
+    return ZULTest::ExtractSound(solid.GetCells());
 }
 
 // A tool with a round outline, standing.
@@ -150,12 +126,53 @@ TEST_F(ZULMRSSurfaceMeshOfCuts, AWedgeMayTouchAFaceAlongALine)
 {
     for (const double leafSize : {20.0, 1.1, 0.6}) {
         const ZULMRSSurfaceMesh whole = CutWedgeOnPlate(leafSize, 0, 4);
-        EXPECT_FALSE(IsManifold(whole));
+        EXPECT_EQ(ZULTest::CountMaxUses(whole), 4U);
         // The plate's 8 corners, the wedge's 6.
         EXPECT_EQ(whole.m_Vertices.size(), 14U);
         const ZULMRSSurfaceMesh part = CutWedgeOnPlate(leafSize, 1, 3);
         EXPECT_FALSE(part.m_Triangles.empty());
     }
+}
+
+// A flat prism on the triangle (0, 0), (4, 0), (0, 4), which a box above it touches along part of one side.
+ZULMRSSurfaceMesh CutTouchedPrism(const ZULMRSConvexTool& box)
+{
+    ZULMRSCuttingSolid solid(AxisBox(-4, -4, 0, 8, 8, 2), LeavesOf(20));
+    // The box first, while its vertices still belong to what becomes the prism too.
+    for (const std::array<double, 4>& side : box.m_HalfSpaces) {
+        solid.Subtract({{{0, 0, -1, 1}, {-side[0], -side[1], -side[2], -side[3]}}});
+    }
+    for (const std::array<double, 4>& side :
+         {std::array<double, 4>{0, 1, 0, 0}, {1, 0, 0, 0}, {-1, -1, 0, 4}}) {
+        solid.Subtract({{{0, 0, 1, -1}, side}});
+    }
+    return ZULTest::ExtractSolidTriangles(solid.GetCells());
+}
+
+TEST_F(ZULMRSSurfaceMeshOfCuts, AFaceKeepsTheVerticesThatTouchIt)
+{
+    for (const ZULMRSConvexTool& box :
+         {BoxTool(1, -2, 1, 2, 0, 2), BoxTool(-2, 1, 1, 0, 2, 2),
+          ZULMRSConvexTool{{{-1, -1, 0, 4}, {1, 1, 0, -6}, {1, -1, 0, -1}, {-1, 1, 0, -1}}}}) {
+        const ZULMRSSurfaceMesh mesh = CutTouchedPrism(box);
+        // 6 and 8 corners, two of which the prism has between its own.
+        EXPECT_EQ(mesh.m_Vertices.size(), 14U);
+        EXPECT_EQ(mesh.m_Triangles.size(), (2U * 8U - 4U) + (2U * 8U - 4U));
+        EXPECT_EQ(ZULTest::CountMaxUses(mesh), 4U);
+    }
+}
+
+TEST_F(ZULMRSSurfaceMeshOfCuts, ATipMayTouchAnEdge)
+{
+    // Half a pyramid that stands on its tip, in the middle of a plate's edge.
+    ZULMRSCuttingSolid solid(AxisBox(-2, 0, -1, 2, 2, 2), LeavesOf(20));
+    for (const std::array<double, 2>& way : {std::array<double, 2>{1, 0}, {-1, 0}, {0, 1}}) {
+        solid.Subtract({{{0, 0, -1, 0}, {-way[0], -way[1], 1, 0}}});
+    }
+    const ZULMRSSurfaceMesh mesh = ZULTest::ExtractSolidTriangles(solid.GetCells());
+    // The tip stays a vertex of the plate.
+    EXPECT_EQ(mesh.m_Vertices.size(), 8U + 5U);
+    EXPECT_EQ(mesh.m_Triangles.size(), (2U * 9U - 4U) + (2U * 5U - 4U));
 }
 
 TEST_F(ZULMRSSurfaceMeshOfCuts, TheSameCutsGiveTheSameMesh)

@@ -2,23 +2,26 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <map>
-#include <set>
-#include <string>
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <utility>
+#include <vector>
 
 #include "ZULMRSBSPObjectFactory.h"
-#include "ZULMRSCellCheck.h"
 #include "ZULTestBlocks.h"
-#include "ZULTestVolume.h"
+#include "ZULTestMesh.h"
 
 namespace
 {
 using ZULTest::Block;
 using ZULTest::BlockCells;
+using ZULTest::CountMaxUses;
+using ZULTest::CountVerticesInsideEdges;
 using ZULTest::DivideAtRandom;
 using ZULTest::DivideWholly;
-using ZULTest::ExactVolume;
+using ZULTest::ExtractSolidTriangles;
+using ZULTest::NormalOf;
 using ZULTest::OwnedPolyhedron;
 using ZULTest::Random;
 
@@ -27,68 +30,10 @@ ZULMathOBB MakeBox(const ZULMathVector& extents, const ZULMathPoint& center)
     return ZULMathOBB(ZULMathOBBBase({1, 0, 0}, {0, 1, 0}, {0, 0, 1}, extents, center));
 }
 
-ZULMathVector NormalOf(const ZULMRSSurfaceMesh& mesh, const std::array<std::uint32_t, 3>& triangle)
-{
-    const ZULMathPoint& a = mesh.m_Vertices[triangle[0]];
-    return (mesh.m_Vertices[triangle[1]] - a) ^ (mesh.m_Vertices[triangle[2]] - a);
-}
-
-// For small integer coordinates, where doubles are exact.
-bool IsInsideEdge(const ZULMathPoint& p, const ZULMathPoint& a, const ZULMathPoint& b)
-{
-    const ZULMathVector cross = (b - a) ^ (p - a);
-    return cross * cross == 0.0 && (p - a) * (p - b) < 0.0;
-}
-
-std::size_t CountVerticesInsideEdges(const ZULMRSSurfaceMesh& mesh)
-{
-    std::size_t count = 0;
-    for (const auto& triangle : mesh.m_Triangles) {
-        for (std::size_t i = 0; i < 3; ++i) {
-            for (const ZULMathPoint& vertex : mesh.m_Vertices) {
-                count +=
-                    IsInsideEdge(vertex, mesh.m_Vertices[triangle[i]], mesh.m_Vertices[triangle[(i + 1) % 3]])
-                        ? 1
-                        : 0;
-            }
-        }
-    }
-    return count;
-}
-
-// What holds for the surface of any valid cells.
-ZULMRSSurfaceMesh ExtractSound(const std::vector<ZULMRSBSPPolyhedron*>& cells)
-{
-    for (const std::string& fault : ZULMRSCheckCells(cells).m_Faults) {
-        ADD_FAILURE() << fault;
-    }
-    ZULMRSSurfaceMesh mesh = ZULMRSExtractSurface(cells);
-    EXPECT_TRUE(mesh.IsClosed());
-    for (const auto& triangle : mesh.m_Triangles) {
-        EXPECT_GT(NormalOf(mesh, triangle).Norm(), 1e-9);
-    }
-    const double volume = ExactVolume(cells).get_d();
-    EXPECT_NEAR(mesh.GetVolume(), volume, 1e-12 * volume);
-    EXPECT_NEAR(ZULMRSVolumeOfCells(cells), volume, 1e-12 * volume);
-    return mesh;
-}
-
 void ExpectSize(const ZULMRSSurfaceMesh& mesh, std::size_t nbVertices, std::size_t nbTriangles)
 {
     EXPECT_EQ(mesh.m_Vertices.size(), nbVertices);
     EXPECT_EQ(mesh.m_Triangles.size(), nbTriangles);
-}
-
-std::size_t CountMaxUses(const ZULMRSSurfaceMesh& mesh)
-{
-    std::map<std::pair<std::uint32_t, std::uint32_t>, std::size_t> uses;
-    std::size_t most = 0;
-    for (const auto& triangle : mesh.m_Triangles) {
-        for (std::size_t i = 0; i < 3; ++i) {
-            most = std::max(most, ++uses[std::minmax(triangle[i], triangle[(i + 1) % 3])]);
-        }
-    }
-    return most;
 }
 
 const auto Everywhere = [](int, int, int) { return true; };
@@ -96,7 +41,7 @@ const auto Everywhere = [](int, int, int) { return true; };
 TEST(ZULMRSSurfaceMesh, ABoxHasTwelveTriangles)
 {
     const OwnedPolyhedron box(new ZULMRSBSPPolyhedron(MakeBox({1, 2, 3}, {0.5, 0, 0}), nullptr));
-    const ZULMRSSurfaceMesh mesh = ExtractSound({box.get()});
+    const ZULMRSSurfaceMesh mesh = ExtractSolidTriangles({box.get()});
     ExpectSize(mesh, 8, 12);
     EXPECT_DOUBLE_EQ(mesh.GetVolume(), 48.0);
     for (const auto& triangle : mesh.m_Triangles) {
@@ -114,7 +59,7 @@ TEST(ZULMRSSurfaceMesh, AFaceWhosePlaneFacesInwardsIsTurnedOver)
     const auto held = ZULTest::Own(factory->CreatePlane({0, 0, 1, 3}, isOpposite, 0));
     const OwnedPolyhedron box(new ZULMRSBSPPolyhedron(MakeBox({1, 2, 3}, {0, 0, 0}), factory.get()));
     ASSERT_EQ(static_cast<signed char>(box->GetPolygonOrientation(0)), -1);
-    const ZULMRSSurfaceMesh mesh = ExtractSound({box.get()});
+    const ZULMRSSurfaceMesh mesh = ExtractSolidTriangles({box.get()});
     ExpectSize(mesh, 8, 12);
     EXPECT_NEAR(mesh.GetVolume(), 48.0, 1e-2);
 }
@@ -122,7 +67,7 @@ TEST(ZULMRSSurfaceMesh, AFaceWhosePlaneFacesInwardsIsTurnedOver)
 TEST(ZULMRSSurfaceMesh, AGridMergesBackIntoTheBox)
 {
     const BlockCells cells(DivideWholly({6, 5, 4}, Everywhere));
-    ExpectSize(ExtractSound(cells.GetCells()), 8, 12);
+    ExpectSize(ExtractSolidTriangles(cells.GetCells()), 8, 12);
 }
 
 TEST(ZULMRSSurfaceMesh, RandomWallsLeaveNoTrace)
@@ -131,9 +76,9 @@ TEST(ZULMRSSurfaceMesh, RandomWallsLeaveNoTrace)
     for (int round = 0; round < 40; ++round) {
         const auto blocks = DivideAtRandom(random, {{0, 0, 0}, {8, 9, 7}}, 4 + round);
         const BlockCells straight(blocks);
-        ExpectSize(ExtractSound(straight.GetCells()), 8, 12);
+        ExpectSize(ExtractSolidTriangles(straight.GetCells()), 8, 12);
         const BlockCells skew(blocks, BlockCells::SkewNormals);
-        ExpectSize(ExtractSound(skew.GetCells()), 8, 12);
+        ExpectSize(ExtractSolidTriangles(skew.GetCells()), 8, 12);
     }
 }
 
@@ -143,36 +88,36 @@ TEST(ZULMRSSurfaceMesh, PlanesThatAreSeveralObjectsAreRecognised)
     for (int round = 0; round < 20; ++round) {
         const auto blocks = DivideAtRandom(random, {{0, 0, 0}, {7, 6, 7}}, 30);
         const BlockCells straight(blocks, BlockCells::AxisNormals, true);
-        ExpectSize(ExtractSound(straight.GetCells()), 8, 12);
+        ExpectSize(ExtractSolidTriangles(straight.GetCells()), 8, 12);
         const BlockCells skew(blocks, BlockCells::SkewNormals, true);
-        ExpectSize(ExtractSound(skew.GetCells()), 8, 12);
+        ExpectSize(ExtractSolidTriangles(skew.GetCells()), 8, 12);
     }
 }
 
 TEST(ZULMRSSurfaceMesh, FacesThatStayConcaveKeepOnlyTheirCorners)
 {
     const BlockCells corner(DivideWholly({4, 4, 3}, [](int i, int j, int) { return i < 2 || j < 1; }));
-    ExpectSize(ExtractSound(corner.GetCells()), 12, 20);
+    ExpectSize(ExtractSolidTriangles(corner.GetCells()), 12, 20);
     const BlockCells tunnel(
         DivideWholly({5, 5, 3}, [](int i, int j, int) { return i % 4 == 0 || j % 4 == 0; }));
-    ExpectSize(ExtractSound(tunnel.GetCells()), 16, 32);
+    ExpectSize(ExtractSolidTriangles(tunnel.GetCells()), 16, 32);
     const BlockCells cavity(
         DivideWholly({5, 4, 6}, [](int i, int j, int k) { return i % 4 == 0 || j % 3 == 0 || k % 5 == 0; }));
-    ExpectSize(ExtractSound(cavity.GetCells()), 16, 24);
+    ExpectSize(ExtractSolidTriangles(cavity.GetCells()), 16, 24);
     const BlockCells pocket(
         DivideWholly({5, 5, 3}, [](int i, int j, int k) { return i % 4 == 0 || j % 4 == 0 || k == 0; }));
-    ExpectSize(ExtractSound(pocket.GetCells()), 16, 28);
+    ExpectSize(ExtractSolidTriangles(pocket.GetCells()), 16, 28);
 }
 
 TEST(ZULMRSSurfaceMesh, RandomSolidsHaveNoVertexInsideAnEdge)
 {
     Random random(3);
-    for (int round = 0; round < 30; ++round) {
-        auto blocks = DivideAtRandom(random, {{0, 0, 0}, {6, 6, 6}}, 25);
+    for (int round = 0; round < 120; ++round) {
+        auto blocks = DivideAtRandom(random, {{0, 0, 0}, {9, 9, 6}}, 20 + round / 2);
         for (Block& block : blocks) {
-            block.m_IsSolid = !random.OneIn(3);
+            block.m_IsSolid = !random.OneIn(5);
         }
-        const ZULMRSSurfaceMesh mesh = ExtractSound(BlockCells(blocks).GetCells());
+        const ZULMRSSurfaceMesh mesh = ExtractSolidTriangles(BlockCells(blocks).GetCells());
         // Where the solid touches itself along an edge, a vertex may lie on it.
         if (CountMaxUses(mesh) == 2) {
             EXPECT_EQ(CountVerticesInsideEdges(mesh), 0U);
@@ -184,7 +129,7 @@ TEST(ZULMRSSurfaceMesh, BoxesThatTouchAlongAnEdgeStayClosed)
 {
     const auto diagonal = [](int i, int j, int) { return i == j; };
     const BlockCells cells(DivideWholly({2, 2, 1}, diagonal));
-    const ZULMRSSurfaceMesh mesh = ExtractSound(cells.GetCells());
+    const ZULMRSSurfaceMesh mesh = ExtractSolidTriangles(cells.GetCells());
     ExpectSize(mesh, 14, 24);
     EXPECT_EQ(CountMaxUses(mesh), 4U);
 }
@@ -193,7 +138,7 @@ TEST(ZULMRSSurfaceMesh, AVertexAlongATouchingEdgeGoesWhereAllFacesAgree)
 {
     const auto diagonal = [](int i, int j, int) { return (i < 2) == (j < 3); };
     const BlockCells cells(DivideWholly({4, 5, 6}, diagonal));
-    ExpectSize(ExtractSound(cells.GetCells()), 14, 24);
+    ExpectSize(ExtractSolidTriangles(cells.GetCells()), 14, 24);
 }
 
 TEST(ZULMRSSurfaceMesh, AVertexAlongATouchingEdgeStaysWhereOneFaceNeedsIt)
@@ -201,7 +146,7 @@ TEST(ZULMRSSurfaceMesh, AVertexAlongATouchingEdgeStaysWhereOneFaceNeedsIt)
     // Two blocks that touch along an edge, one of which is lower than the other.
     const BlockCells cells(DivideWholly(
         {2, 2, 3}, [](int i, int j, int k) { return (i == 0 && j == 0) || (i == 1 && j == 1 && k < 2); }));
-    const ZULMRSSurfaceMesh mesh = ExtractSound(cells.GetCells());
+    const ZULMRSSurfaceMesh mesh = ExtractSolidTriangles(cells.GetCells());
     // Both boxes need the lower end of the edge, and the tall one the lower one's upper end as well.
     ExpectSize(mesh, 15, 26);
     EXPECT_EQ(CountVerticesInsideEdges(mesh), 0U);
@@ -210,10 +155,55 @@ TEST(ZULMRSSurfaceMesh, AVertexAlongATouchingEdgeStaysWhereOneFaceNeedsIt)
 TEST(ZULMRSSurfaceMesh, BoxesThatTouchInAVertexStayClosed)
 {
     const BlockCells cells(DivideWholly({2, 2, 2}, [](int i, int j, int k) { return i == j && j == k; }));
-    ExpectSize(ExtractSound(cells.GetCells()), 15, 24);
+    ExpectSize(ExtractSolidTriangles(cells.GetCells()), 15, 24);
     const BlockCells divided(DivideWholly(
         {4, 4, 4}, [](int i, int j, int k) { return (i < 2) == (j < 2) && (j < 2) == (k < 2); }));
-    ExpectSize(ExtractSound(divided.GetCells()), 15, 24);
+    ExpectSize(ExtractSolidTriangles(divided.GetCells()), 15, 24);
+}
+
+TEST(ZULMRSSurfaceMesh, PointsMayHaveANegativeDenominator)
+{
+    Random random(5);
+    for (int round = 0; round < 10; ++round) {
+        const auto blocks = DivideAtRandom(random, {{0, 0, 0}, {8, 8, 8}}, 40);
+        const BlockCells cells(blocks, BlockCells::SkewNormals, false, true);
+        ExpectSize(ZULMRSExtractSurface(cells.GetCells()), 8, 12);
+    }
+}
+
+TEST(ZULMRSSurfaceMesh, ABodyWithoutDepthKeepsItsCorners)
+{
+    // Two sides of one hexagon.
+    const std::array<std::array<double, 3>, 6> outline{
+        {{1, 0, -4}, {1, 1, -6}, {0, 1, -4}, {-1, 0, 0}, {-1, -1, 2}, {0, -1, 0}}};
+    const ZULTest::OwnedPlane front = ZULTest::MakePlane(0, 0, 1, 0);
+    const ZULTest::OwnedPlane back = ZULTest::MakePlane(0, 0, -1, 0);
+    std::vector<ZULTest::OwnedPlane> edges;
+    std::vector<ZULTest::OwnedPoint> points;
+    for (const auto& line : outline) {
+        edges.push_back(ZULTest::MakePlane(line[0], line[1], 0, line[2]));
+    }
+    for (std::size_t i = 0; i < 6; ++i) {
+        bool isValid = false;
+        points.emplace_back(ZULMRSBSPPointNS::CreatePoint(front.get(), edges[i].get(),
+                                                          edges[(i + 1) % 6].get(), isValid, true));
+    }
+    auto backEdges = ZULTest::Pointers(edges);
+    auto backPoints = ZULTest::Pointers(points);
+    std::reverse(backEdges.begin(), backEdges.end());
+    std::reverse(backPoints.begin(), backPoints.end());
+    std::rotate(backPoints.begin(), backPoints.begin() + 1, backPoints.end());
+    const OwnedPolyhedron pillow(new ZULMRSBSPPolyhedron);
+    const ZULTest::OwnedPolygon upper(
+        new ZULMRSBSPPolygon(front.get(), ZULTest::Pointers(edges), ZULTest::Pointers(points)));
+    const ZULTest::OwnedPolygon lower(
+        new ZULMRSBSPPolygon(back.get(), std::move(backEdges), std::move(backPoints)));
+    pillow->AddAPolygon(upper.get(), 1);
+    pillow->AddAPolygon(lower.get(), 1);
+    const ZULMRSSurfaceMesh mesh = ZULMRSExtractSurface({pillow.get()});
+    ExpectSize(mesh, 6, 8);
+    EXPECT_TRUE(mesh.IsClosed());
+    EXPECT_EQ(mesh.GetVolume(), 0.0);
 }
 
 TEST(ZULMRSSurfaceMesh, TheSameSolidGivesTheSameMesh)

@@ -5,10 +5,13 @@
 #include <array>
 #include <cstddef>
 #include <map>
+#include <memory>
 #include <set>
+#include <tuple>
 #include <utility>
 #include <vector>
 
+#include "ZULMRSBSP3PlanesPoint.h"
 #include "ZULTestGeometry.h"
 #include "ZULTestPolygons.h"
 
@@ -56,6 +59,35 @@ std::vector<Block> DivideWholly(const std::array<int, 3>& size, IsSolid isSolid)
     return blocks;
 }
 
+/// A point whose numbers in every arithmetic are the negatives of the usual ones, which is the same point.
+class NegatedPoint : public ZULMRSBSP3PlanesPoint
+{
+public:
+    using ZULMRSBSP3PlanesPoint::ZULMRSBSP3PlanesPoint;
+
+    ZULMRSBSPQuadruple<ZULExpDynamic> GetCartesianRepresentation_ExpDynamic() const override
+    {
+        return {nullptr, false};
+    }
+    ZULMRSBSPQuadruple<ZULExpInterval> GetCartesianRepresentation_ExpInterval() const override
+    {
+        return Negate(ZULMRSBSP3PlanesPoint::GetCartesianRepresentation_ExpInterval());
+    }
+    ZULMRSBSPQuadruple<ZULExpFloatRingExtensionTS> GetCartesianRepresentation_FloatRing() const override
+    {
+        return Negate(ZULMRSBSP3PlanesPoint::GetCartesianRepresentation_FloatRing());
+    }
+
+private:
+    template <class Number>
+    static ZULMRSBSPQuadruple<Number> Negate(const ZULMRSBSPQuadruple<Number>& quadruple)
+    {
+        const std::unique_ptr<const std::array<Number, 4>> numbers(std::get<0>(quadruple));
+        return {new std::array<Number, 4>{-(*numbers)[0], -(*numbers)[1], -(*numbers)[2], -(*numbers)[3]},
+                true};
+    }
+};
+
 /// The solid blocks of a division of a grid as cells. The grid's planes are parallel to three given normals,
 /// which must be right-handed; plane s of family a is normal . x = s. A face between two blocks is one
 /// polygon, and every node that is the corner of any polygon is a vertex of every edge that it lies on.
@@ -68,8 +100,8 @@ public:
     /// With mixed planes, each plane comes as three objects, one of which faces the other way, and polygons
     /// use them in turn.
     explicit BlockCells(const std::vector<Block>& blocks, const std::array<Point3, 3>& normals = AxisNormals,
-                        bool hasMixedPlanes = false)
-        : m_Normals(normals), m_NbVariants(hasMixedPlanes ? 3 : 1)
+                        bool hasMixedPlanes = false, bool hasNegatedPoints = false)
+        : m_Normals(normals), m_NbVariants(hasMixedPlanes ? 3 : 1), m_HasNegatedPoints(hasNegatedPoints)
     {
         CollectRectangles(blocks);
         for (std::size_t i = 0; i < blocks.size(); ++i) {
@@ -255,14 +287,18 @@ private:
         OwnedPoint& point = m_Points[node];
         if (point == nullptr) {
             bool isValid = false;
-            point = OwnedPoint(ZULMRSBSPPointNS::CreatePoint(PlaneOf(0, node[0], 0), PlaneOf(1, node[1], 0),
-                                                             PlaneOf(2, node[2], 0), isValid, true));
+            const std::array<ZULMRSBSPPlane*, 3> planes{PlaneOf(0, node[0], 0), PlaneOf(1, node[1], 0),
+                                                        PlaneOf(2, node[2], 0)};
+            point = OwnedPoint(m_HasNegatedPoints ? new NegatedPoint(planes, isValid)
+                                                  : ZULMRSBSPPointNS::CreatePoint(planes[0], planes[1],
+                                                                                  planes[2], isValid, true));
         }
         return point.get();
     }
 
     std::array<Point3, 3> m_Normals;
     std::size_t m_NbVariants;
+    bool m_HasNegatedPoints;
     std::size_t m_NbPlanesUsed = 0;
     std::vector<Rectangle> m_Rectangles;
     std::set<Node> m_Vertices;

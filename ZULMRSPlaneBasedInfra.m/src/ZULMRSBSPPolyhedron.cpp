@@ -400,7 +400,6 @@ std::array<std::array<double, 4>, ZULMRSBSPBoxFaces::NbPlanes> GetBoxEquations(c
 ZULMRSBSPPlane* CreateBoxPlane(const std::array<double, 4>& equation, ZULMRSBSPObjectFactory* factory,
                                bool& isOpposite)
 {
-    isOpposite = false;
     if (factory == nullptr) {
         return ZULMRSBSPPlaneNS::CreateCartesianPlane(equation);
     }

@@ -8,10 +8,13 @@
 #include <tbb/task_group.h>
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <thread>
+#include <utility>
 #include <vector>
 
+#include "ZULMRSBSPCartesianPlane.h"
 #include "ZULMRSBSPPolygon.h"
 #include "ZULTestPolygons.h"
 
@@ -130,10 +133,8 @@ TEST(PolygonThreads, AShortCacheIsCompletedOnce)
     }
 }
 
-TEST(PolygonThreads, TasksThatWaitForOnePolygonDoNotBlockItsLoop)
+TEST(PolygonThreads, TasksMayWaitForOnePolygon)
 {
-    // The thread that fills the points waits for its blocks; were it to take one of the outer tasks
-    // meanwhile, that task would wait for ever for the lock that its own thread holds.
     const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, NbThreads);
     tbb::task_arena arena(static_cast<int>(NbThreads));
     const Loop loop = MakeRegular(200);
@@ -150,6 +151,83 @@ TEST(PolygonThreads, TasksThatWaitForOnePolygonDoNotBlockItsLoop)
         });
         ExpectComplete(*polygon, loop);
     }
+}
+
+/// A supporting plane that is told of every vertex under construction.
+class WatchedPlane : public ZULMRSBSPCartesianPlane
+{
+public:
+    explicit WatchedPlane(std::function<void()> watch)
+        : ZULMRSBSPCartesianPlane({0, 0, 1, 0}), m_Watch(std::move(watch))
+    {
+    }
+    bool IsCanonical(int& axis) const override
+    {
+        m_Watch();
+        return ZULMRSBSPCartesianPlane::IsCanonical(axis);
+    }
+
+private:
+    std::function<void()> m_Watch;
+};
+
+/// Waits for a flag; false when it does not come in a long time.
+bool WaitFor(const std::atomic<bool>& flag)
+{
+    for (int i = 0; i < 10000 && !flag.load(); ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return flag.load();
+}
+
+TEST(PolygonThreads, WhoFillsThePointsTakesNoOtherTaskMeanwhile)
+{
+    // One thread fills the points, a worker is held up in one of its blocks, and a third thread offers tasks
+    // that might want the same polygon. The first one must not take any, since it holds the lock.
+    const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, NbThreads);
+    tbb::task_arena arena(3, 2);
+    const auto filler = std::this_thread::get_id();
+    std::atomic<bool> helped{false};
+    std::atomic<bool> offered{false};
+    std::atomic<bool> filled{false};
+    std::atomic<int> tasksTaken{0};
+    const auto watch = [&] {
+        if (std::this_thread::get_id() == filler) {
+            WaitFor(helped);
+        } else if (!helped.exchange(true)) {
+            WaitFor(offered);
+            // Time for the filler to run out of blocks and to look round.
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        }
+    };
+    const OwnedPlane support = Own<ZULMRSBSPPlane>(new WatchedPlane(watch));
+    const Loop loop = MakeRegular(64);
+    const OwnedPolygon polygon(new ZULMRSBSPPolygon(support.get(), Pointers(loop.m_Edges), {}));
+
+    std::thread offerer([&] {
+        arena.execute([&] {
+            tbb::task_group others;
+            WaitFor(helped);
+            for (int i = 0; i < 8; ++i) {
+                others.run([&] {
+                    if (std::this_thread::get_id() == filler && !filled.load()) {
+                        tasksTaken.fetch_add(1);
+                    }
+                });
+            }
+            offered.store(true);
+            WaitFor(filled);
+            others.wait();
+        });
+    });
+    arena.execute([&] {
+        polygon->UpdatePoints();
+        filled.store(true);
+    });
+    offerer.join();
+    EXPECT_TRUE(helped.load());
+    EXPECT_EQ(tasksTaken.load(), 0);
+    ExpectComplete(*polygon, loop);
 }
 
 TEST(PolygonThreads, ACancelledCallerStillGetsEveryVertex)

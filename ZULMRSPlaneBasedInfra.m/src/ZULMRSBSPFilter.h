@@ -90,8 +90,13 @@ inline ZULMRSBSPSign Decide(const ZULMRSBSPFilteredDouble& x, int units)
 {
     return Decide(x.m_Value, x.m_Magnitude, units);
 }
-inline ZULMRSBSPSign DecideByStatus(const ZULMRSBSPFilteredDouble& x, int units)
+/// The same where such sums are multiplied once more, by numbers of at most the given size: an underflow may
+/// have grown by that factor.
+inline ZULMRSBSPSign DecideMultiplied(const ZULMRSBSPFilteredDouble& x, double largestFactor, int units)
 {
+    if (IsSafe(x.m_Magnitude) && x.m_Magnitude > largestFactor * SafeMagnitude) [[likely]] {
+        return Compare(x.m_Value, Bound(units, x.m_Magnitude));
+    }
     return DecideByStatus(x.m_Value, x.m_Magnitude, units);
 }
 
@@ -102,13 +107,18 @@ inline double UnitsOf(const ZULExpDynamic& x)
 }
 
 /// Sign of a kept number, as a factor. Its making met no underflow, so magnitude 0 means exactly zero, and a
-/// normal magnitude leaves a bound among the denormals enough of its slack.
+/// normal magnitude leaves a bound among the denormals enough of its slack. The signs of factors cannot be
+/// foreseen: no branch on them.
 inline ZULMRSBSPSign FactorSign(const ZULExpDynamic& x)
 {
     const double magnitude = x.GetMagnitude();
-    const bool isKept = magnitude >= std::numeric_limits<double>::min() || magnitude == 0.0;
-    return isKept && magnitude <= std::numeric_limits<double>::max() ? ZULMRSBSPSign::FromNumber(x.Sign())
-                                                                     : ZULMRSBSPSign::Undecided();
+    const double bound = Bound(UnitsOf(x), magnitude);
+    const int sign = static_cast<int>(x.GetValue() > bound) - static_cast<int>(x.GetValue() < -bound);
+    const bool isKept = (magnitude >= std::numeric_limits<double>::min() &&
+                         magnitude <= std::numeric_limits<double>::max()) ||
+                        magnitude == 0.0;
+    const bool isDecided = isKept & ((sign != 0) | (bound == 0.0));
+    return ZULMRSBSPSign::FromNumber(isDecided ? sign : ZULExpSignUncertain);
 }
 }  // namespace ZULMRSBSPFilter
 

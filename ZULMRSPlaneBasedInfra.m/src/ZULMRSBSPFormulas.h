@@ -7,7 +7,8 @@
 
 /// The polynomials of the library, each written once, over any number type with +, - and *. "Degree" counts
 /// the input numbers multiplied in each monomial. The order of the operations is part of the meaning for
-/// rounded numbers: it fixes the value, and the count of a filtered number.
+/// rounded numbers: it fixes the value, and the count of a filtered number. Where a product may be of another
+/// type than its factors (integers that grow with the degree), results are deduced.
 namespace ZULMRSBSPFormulas
 {
 template <class Number>
@@ -35,33 +36,33 @@ Triple<Number> Difference(const Triple<Number>& p, const Triple<Number>& q)
 
 /// a d - b c. Degree 2.
 template <class Number>
-Number Determinant2x2(const Number& a, const Number& b, const Number& c, const Number& d)
+auto Determinant2x2(const Number& a, const Number& b, const Number& c, const Number& d)
 {
     return a * d - b * c;
 }
 
 /// u x v. Degree 2.
 template <class Number>
-Triple<Number> CrossProduct(const Triple<Number>& u, const Triple<Number>& v)
+auto CrossProduct(const Triple<Number>& u, const Triple<Number>& v)
 {
-    return {Determinant2x2(u[1], u[2], v[1], v[2]), Determinant2x2(u[2], u[0], v[2], v[0]),
-            Determinant2x2(u[0], u[1], v[0], v[1])};
+    return std::array{Determinant2x2(u[1], u[2], v[1], v[2]), Determinant2x2(u[2], u[0], v[2], v[0]),
+                      Determinant2x2(u[0], u[1], v[0], v[1])};
 }
 
 /// A row times the minors of the two rows below it, ((m0 p0 + m1 p1) + m2 p2): their determinant when
 /// m = q x r.
-template <class Number>
-Number ExpandFirstRow(const Number& p0, const Number& p1, const Number& p2, const Number& m0,
-                      const Number& m1, const Number& m2)
+template <class Number, class Minor>
+auto ExpandFirstRow(const Number& p0, const Number& p1, const Number& p2, const Minor& m0, const Minor& m1,
+                    const Minor& m2)
 {
     return m0 * p0 + m1 * p1 + m2 * p2;
 }
 
 /// Determinant of the rows p, q, r, expanded along the first. Degree 3.
 template <class Number>
-Number Determinant3x3(const Triple<Number>& p, const Triple<Number>& q, const Triple<Number>& r)
+auto Determinant3x3(const Triple<Number>& p, const Triple<Number>& q, const Triple<Number>& r)
 {
-    const Triple<Number> minors = CrossProduct(q, r);
+    const auto minors = CrossProduct(q, r);
     return ExpandFirstRow(p[0], p[1], p[2], minors[0], minors[1], minors[2]);
 }
 
@@ -92,22 +93,21 @@ Quadruple<Number> PlaneThroughPoints(const Triple<Number>& p1, const Triple<Numb
 /// normals, X, Y, Z the same with the column of a, b, c replaced by that of -d. Each determinant is expanded
 /// along its first row; a minor that stands in two of them is computed once. Degree 3.
 template <class Number>
-Quadruple<Number> MeetingPoint(const Quadruple<Number>& p, const Quadruple<Number>& q,
-                               const Quadruple<Number>& r)
+auto MeetingPoint(const Quadruple<Number>& p, const Quadruple<Number>& q, const Quadruple<Number>& r)
 {
     const Number pe = -p[3];
     const Number qe = -q[3];
     const Number re = -r[3];
-    const Number bc = Determinant2x2(q[1], q[2], r[1], r[2]);
-    const Number ca = Determinant2x2(q[2], q[0], r[2], r[0]);
-    const Number ab = Determinant2x2(q[0], q[1], r[0], r[1]);
-    return {ExpandFirstRow(pe, p[1], p[2], bc, Determinant2x2(q[2], qe, r[2], re),
-                           Determinant2x2(qe, q[1], re, r[1])),
-            ExpandFirstRow(p[0], pe, p[2], Determinant2x2(qe, q[2], re, r[2]), ca,
-                           Determinant2x2(q[0], qe, r[0], re)),
-            ExpandFirstRow(p[0], p[1], pe, Determinant2x2(q[1], qe, r[1], re),
-                           Determinant2x2(qe, q[0], re, r[0]), ab),
-            ExpandFirstRow(p[0], p[1], p[2], bc, ca, ab)};
+    const auto bc = Determinant2x2(q[1], q[2], r[1], r[2]);
+    const auto ca = Determinant2x2(q[2], q[0], r[2], r[0]);
+    const auto ab = Determinant2x2(q[0], q[1], r[0], r[1]);
+    return std::array{ExpandFirstRow(pe, p[1], p[2], bc, Determinant2x2(q[2], qe, r[2], re),
+                                     Determinant2x2(qe, q[1], re, r[1])),
+                      ExpandFirstRow(p[0], pe, p[2], Determinant2x2(qe, q[2], re, r[2]), ca,
+                                     Determinant2x2(q[0], qe, r[0], re)),
+                      ExpandFirstRow(p[0], p[1], pe, Determinant2x2(q[1], qe, r[1], re),
+                                     Determinant2x2(qe, q[0], re, r[0]), ab),
+                      ExpandFirstRow(p[0], p[1], p[2], bc, ca, ab)};
 }
 
 /// The determinant of B - A and D - C of the plane points A to D = (x0, x1) to (x6, x7). Degree 2.
@@ -140,8 +140,8 @@ Number EquationAt(const Quadruple<Number>& plane, const Triple<Number>& point)
 
 /// A plane's equation at a homogeneous point, times W. With the meeting point of p, q and r it is the
 /// determinant of the rows p, q, r, plane. Degree 2 in its arguments.
-template <class Number>
-Number EquationAtHomogeneous(const Quadruple<Number>& plane, const Quadruple<Number>& point)
+template <class Number, class Coordinate>
+auto EquationAtHomogeneous(const Quadruple<Number>& plane, const Quadruple<Coordinate>& point)
 {
     return plane[0] * point[0] + plane[1] * point[1] + plane[2] * point[2] + plane[3] * point[3];
 }

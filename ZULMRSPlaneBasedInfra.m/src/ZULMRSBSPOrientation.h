@@ -7,6 +7,7 @@
 #include "ZULMRSBSPEquation.h"
 #include "ZULMRSBSPFilter.h"
 #include "ZULMRSBSPFormulas.h"
+#include "ZULMRSBSPShortInteger.h"
 #include "ZULMRSBSPSign.h"
 #include "ZULMRSBSPSignKernels.h"
 #include "ZULMRSBSPStages.h"
@@ -186,6 +187,24 @@ inline ZULMRSBSPSign ExactByPlanes(const ZULMRSBSPPlane& plane, const ZULMRSBSPP
         [&] { return EvaluateAtMeetingPoint<ZULExpFloatRingExtensionTS>(plane, point); });
 }
 
+/// In integers of fixed length, where all planes are the library's Cartesian ones and their coefficients fit:
+/// exact, and cheaper than intervals.
+inline ZULMRSBSPSign ShortExactByPlanes(const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& point)
+{
+    constexpr auto coords = ZULMRSBSPDirectReads::Coords;
+    const std::array<const std::array<double, 4>*, 4> rows = {coords(*point.GetP1()), coords(*point.GetP2()),
+                                                              coords(*point.GetP3()), coords(plane)};
+    ZULMRSBSPShortIntegers::Equations equations;
+    if (!ZULMRSBSPDirectReads::Is3PlanesPoint(point) ||
+        std::find(rows.begin(), rows.end(), nullptr) != rows.end() || !equations.Convert(rows)) {
+        return ZULMRSBSPSign::Undecided();
+    }
+    const auto meeting = ZULMRSBSPFormulas::MeetingPoint(equations[0], equations[1], equations[2]);
+    return ZULMRSBSPStages::Counted(
+        ZULMRSBSPStage::Exact,
+        meeting[3].Sign() * ZULMRSBSPFormulas::EquationAtHomogeneous(equations[3], meeting).Sign());
+}
+
 /// The stages after the filtered representation. A cheap stage on the planes sees nothing that the same stage
 /// on a usable representation has not seen, so it runs only where there was none.
 [[gnu::noinline]] inline ZULMRSBSPSign DecideCarefully(const ZULMRSBSPPlane& plane,
@@ -193,6 +212,10 @@ inline ZULMRSBSPSign ExactByPlanes(const ZULMRSBSPPlane& plane, const ZULMRSBSPP
 {
     if (point.GetP1() == nullptr || point.GetP2() == nullptr || point.GetP3() == nullptr) {
         return ZULMRSBSPSign::Undecided();
+    }
+    const ZULMRSBSPSign byIntegers = ShortExactByPlanes(plane, point);
+    if (byIntegers.IsDecided()) {
+        return byIntegers;
     }
     const RepresentationVerdict interval = IntervalByRepresentation(plane, point);
     if (interval.m_Sign.IsDecided()) {

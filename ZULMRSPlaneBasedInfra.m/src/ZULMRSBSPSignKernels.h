@@ -9,6 +9,7 @@
 
 #include "ZULMRSBSPFilter.h"
 #include "ZULMRSBSPFormulas.h"
+#include "ZULMRSBSPShortInteger.h"
 #include "ZULMRSBSPSign.h"
 #include "ZULMRSBSPStages.h"
 
@@ -102,7 +103,7 @@ struct ZULMRSBSPDeterminant3x3Kernel {
     using Filtered = ZULMRSBSPFilteredDouble;
 
     template <class Number>
-    static Number Value(const std::array<Number, NbInputs>& x)
+    static auto Value(const std::array<Number, NbInputs>& x)
     {
         return ZULMRSBSPFormulas::Determinant3x3<Number>({x[0], x[1], x[2]}, {x[3], x[4], x[5]},
                                                          {x[6], x[7], x[8]});
@@ -120,25 +121,16 @@ struct ZULMRSBSPDeterminant3x3Kernel {
         const auto minors = Minors(x);
         const Filtered value = ZULMRSBSPFormulas::ExpandFirstRow(
             Filtered(x[0]), Filtered(x[1]), Filtered(x[2]), minors[0], minors[1], minors[2]);
-        // A minor's underflow grows by a factor of the first row.
-        const double largest = std::max(std::max(std::fabs(x[0]), std::fabs(x[1])), std::fabs(x[2]));
-        if (ZULMRSBSPFilter::IsSafe(value.m_Magnitude) &&
-            value.m_Magnitude > largest * ZULMRSBSPFilter::SafeMagnitude) [[likely]] {
-            const ZULMRSBSPSign sign =
-                ZULMRSBSPFilter::Compare(value.m_Value, ZULMRSBSPFilter::Bound(K, value.m_Magnitude));
-            if (sign.IsDecided()) [[likely]] {
-                return sign;
-            }
-        }
-        return Cascade(x);
+        const ZULMRSBSPSign sign = ZULMRSBSPFilter::DecideMultiplied(value, LargestOfFirstRow(x), K);
+        return sign.IsDecided() ? sign : Cascade(x);
     }
 
-    /// Minors, then the partial sum of two terms, then the full value; the status is read before each
-    /// decision.
+    /// Minors, then the partial sum of two terms, then the full value.
     static ZULMRSBSPSign Cascade(const std::array<double, NbInputs>& x)
     {
-        using ZULMRSBSPFilter::DecideByStatus;
+        using ZULMRSBSPFilter::DecideMultiplied;
         const auto minors = Minors(x);
+        const double largest = LargestOfFirstRow(x);
         const ZULMRSBSPSign t1 = TermSign(x[0], minors[0]);
         const ZULMRSBSPSign t2 = TermSign(x[1], minors[1]);
         const ZULMRSBSPSign t3 = TermSign(x[2], minors[2]);
@@ -149,12 +141,24 @@ struct ZULMRSBSPDeterminant3x3Kernel {
         const Filtered partial = minors[0] * Filtered(x[0]) + minors[1] * Filtered(x[1]);
         if (t1.IsDecided() && t2.IsDecided() && t3.IsDecided()) {
             const ZULMRSBSPSign byPartial =
-                ZULMRSBSPShortcut::SignOfOpenSum(DecideByStatus(partial, PartialK), t3);
+                ZULMRSBSPShortcut::SignOfOpenSum(DecideMultiplied(partial, largest, PartialK), t3);
             if (byPartial.IsDecided()) {
                 return byPartial;
             }
         }
-        return DecideByStatus(partial + minors[2] * Filtered(x[2]), K);
+        return DecideMultiplied(partial + minors[2] * Filtered(x[2]), largest, K);
+    }
+
+    /// In integers of fixed length, where the rows fit: exact, and cheaper than intervals.
+    static ZULMRSBSPSign ShortExact(const std::array<double, NbInputs>& x)
+    {
+        std::array<std::array<ZULMRSBSPShortIntegers::Input, 3>, 3> rows;
+        for (std::size_t i = 0; i < 3; ++i) {
+            if (!ZULMRSBSPShortIntegers::Convert({x[3 * i], x[3 * i + 1], x[3 * i + 2]}, rows[i])) {
+                return ZULMRSBSPSign::Undecided();
+            }
+        }
+        return ZULMRSBSPFormulas::Determinant3x3(rows[0], rows[1], rows[2]).Sign();
     }
 
 private:
@@ -166,7 +170,11 @@ private:
     static ZULMRSBSPSign TermSign(double factor, const Filtered& minor)
     {
         return ZULMRSBSPSign::FromNumber(ZULMRSBSPShortcut::FactorSign(factor)) *
-               ZULMRSBSPFilter::DecideByStatus(minor, MinorK);
+               ZULMRSBSPFilter::Decide(minor, MinorK);
+    }
+    static double LargestOfFirstRow(const std::array<double, NbInputs>& x)
+    {
+        return std::max(std::max(std::fabs(x[0]), std::fabs(x[1])), std::fabs(x[2]));
     }
 };
 
@@ -221,6 +229,15 @@ public:
             return ZULMRSBSPFilter::Decide(Value<ZULMRSBSPFilteredDouble>(inputs), Kernel::K);
         }
     }
+    /// Undecided where the kernel has no such stage or the input does not fit.
+    static ZULMRSBSPSign ShortExact([[maybe_unused]] const Inputs& inputs)
+    {
+        if constexpr (requires { Kernel::ShortExact(inputs); }) {
+            return ZULMRSBSPStages::Counted(ZULMRSBSPStage::Exact, Kernel::ShortExact(inputs));
+        } else {
+            return ZULMRSBSPSign::Undecided();
+        }
+    }
     static ZULMRSBSPSign Interval(const Inputs& inputs)
     {
         return ZULMRSBSPStages::RunChecked<ZULExpInterval>(
@@ -242,7 +259,8 @@ private:
     // Apart, so that the stages before it stay small enough to be inlined.
     [[gnu::noinline]] static ZULMRSBSPSign DecideCarefully(const Inputs& inputs)
     {
-        return ZULMRSBSPStages::FirstDecided([&inputs] { return Interval(inputs); },
+        return ZULMRSBSPStages::FirstDecided([&inputs] { return ShortExact(inputs); },
+                                             [&inputs] { return Interval(inputs); },
                                              [&inputs] { return Exact(inputs); });
     }
 

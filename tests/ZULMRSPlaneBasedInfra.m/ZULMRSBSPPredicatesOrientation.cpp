@@ -123,6 +123,7 @@ TEST(ZULMRSBSPPredicatesOrientation, EveryStageIsRightWhereItDecides)
                 ASSERT_TRUE(isRight(FilterByRepresentation(plane, point).m_Sign, expected));
                 ASSERT_TRUE(isRight(IntervalByRepresentation(plane, point).m_Sign, expected));
                 ASSERT_TRUE(isRight(FilterByPlanes(plane, point), expected));
+                ASSERT_TRUE(isRight(ShortExactByPlanes(plane, point), expected));
                 ASSERT_TRUE(isRight(IntervalByPlanes(plane, point), expected));
                 ASSERT_EQ(ExactByPlanes(plane, point).ToKernelResult(), expected);
             });

@@ -195,6 +195,27 @@ TEST(ZULMRSBSPPredicatesStages, TheCascadeDecidesByTheSignsOfTerms)
     EXPECT_GT(decided, 0);
 }
 
+TEST(ZULMRSBSPPredicatesStages, RowsThatFitAreDecidedInShortIntegers)
+{
+    using Kernel = ZULMRSBSPKernel<Det3>;
+    const ZULExpFloatScope scope;
+    // Full mantissas of similar size; the rows' own sizes do not matter, denormal ones included.
+    EXPECT_TRUE(Kernel::ShortExact({0.1, 0.2, 0.3, 0.3, 0.7, 0.9, 0.2, 0.4, 0.6}).IsZero());
+    EXPECT_TRUE(Kernel::ShortExact({1e300, 2e300, 3e300, 1e-300, 3e-300, 2e-300, 1, 2, 3.1}).IsPositive());
+    EXPECT_TRUE(Kernel::ShortExact({DenormMin, 0, 0, 0, 7 * DenormMin, 0, 0, 0, -1}).IsNegative());
+    EXPECT_TRUE(Kernel::ShortExact({0, 0, 0, 0.1, 0.2, 0.3, 0.2, 0.7, 0.5}).IsZero());
+    // The largest inputs, of either sign: 2^62 - 1 in place of the row's common scale.
+    const double most = 0x1.fffffffffffffp52;
+    EXPECT_TRUE(
+        Kernel::ShortExact({most * 0x1p9, 1, -1, -1, most * 0x1p9, 1, 1, 1, most * 0x1p9}).IsPositive());
+    EXPECT_TRUE(Kernel::ShortExact({most * 0x1p9, -most * 0x1p9, 1, most * 0x1p9, most * 0x1p9, 1, 1, 1, -1})
+                    .IsNegative());
+    // One place more than fits; and what is not finite.
+    EXPECT_FALSE(Kernel::ShortExact({most * 0x1p10, 1, 0, 0, 1, 0, 0, 0, 1}).IsDecided());
+    EXPECT_FALSE(
+        Kernel::ShortExact({std::numeric_limits<double>::infinity(), 1, 0, 0, 1, 0, 0, 0, 1}).IsDecided());
+}
+
 TEST(ZULMRSBSPPredicatesStages, InputThatIsNotFiniteLeavesTheExactStageOpenWhereThatIsReported)
 {
     const double notANumber = std::numeric_limits<double>::quiet_NaN();
@@ -220,6 +241,29 @@ Owner<ZULMRSBSPPoint> Meeting(const Owner<ZULMRSBSPPlane>& p1, const Owner<ZULMR
     auto point = Own<ZULMRSBSPPoint>(new ZULMRSBSP3PlanesPoint({p1.get(), p2.get(), p3.get()}, isValid));
     EXPECT_TRUE(isValid);
     return point;
+}
+
+TEST(ZULMRSBSPPredicatesStages, EquationsThatFitAreDecidedInShortIntegers)
+{
+    using ZULMRSBSPOrientation::ShortExactByPlanes;
+    // Normals of length one and offsets of any common size: the offsets have a scale of their own.
+    for (const double size : {1e-300, 1e-9, 1.0, 1e9, 1e300}) {
+        const auto point = Meeting(Cartesian(0.6, 0.8, 0, -37.5 * size), Cartesian(0, 0, 1, -0.3 * size),
+                                   Cartesian(-0.8, 0.6, 0, -12.1 * size));
+        EXPECT_TRUE(ShortExactByPlanes(*Cartesian(0, 0, 2, -0.6 * size), *point).IsZero()) << size;
+        EXPECT_TRUE(ShortExactByPlanes(*Cartesian(0, 0, 0x1p-40, 0x1p-44 * size), *point).IsPositive())
+            << size;
+    }
+    const auto corner = Meeting(Cartesian(1, 0, 0, -1), Cartesian(0, 1, 0, -1), Cartesian(0, 0, 1, -1));
+    EXPECT_TRUE(ShortExactByPlanes(*Cartesian(1, 1, 1, 0), *corner).IsPositive());
+    EXPECT_TRUE(ShortExactByPlanes(*Cartesian(0, 0, 0, -1), *corner).IsNegative());
+    EXPECT_FALSE(ShortExactByPlanes(*Cartesian(1, 0x1p-62, 0, 0), *corner).IsDecided());
+    EXPECT_TRUE(ShortExactByPlanes(*Cartesian(1, 0, 0, 0x1p-120), *corner).IsPositive());
+    EXPECT_FALSE(ShortExactByPlanes(*Cartesian(1, 0, 0, 0x1p-124), *corner).IsDecided());
+    // Only for the library's own Cartesian planes.
+    const auto flat =
+        Own<ZULMRSBSPPlane>(new ZULMRSBSP3PointsPlane({Point3{0, 0, 0}, Point3{1, 0, 0}, Point3{0, 1, 0}}));
+    EXPECT_FALSE(ShortExactByPlanes(*flat, *corner).IsDecided());
 }
 
 Stage SideDecidedBy(const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& point)
@@ -286,6 +330,7 @@ TEST(ZULMRSBSPPredicatesStages, CheapStagesNeverAllocateForCartesianPlanes)
                 FilterByRepresentation(plane, *point);
                 IntervalByRepresentation(plane, *point);
                 FilterByPlanes(plane, *point);
+                ShortExactByPlanes(plane, *point);
                 IntervalByPlanes(plane, *point);
                 FilterAtCoordinates(plane, coordinates);
                 IntervalAtCoordinates(plane, coordinates);

@@ -1,0 +1,236 @@
+#ifndef ZULMRSBSPShortInteger_h
+#define ZULMRSBSPShortInteger_h
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+
+#include "ZULMRSBSPSign.h"
+
+/// A signed integer of 64 Limbs bits, in two's complement. Its length is the degree of the polynomial that it
+/// is a value of: inputs (one limb) are below 2^62, a product is as long as its factors together, and the
+/// sums of the formulas fit, since each degree leaves two bits unused. Nothing is ever rounded or allocated.
+template <std::size_t Limbs>
+class ZULMRSBSPShortInteger
+{
+public:
+    ZULMRSBSPShortInteger() = default;
+    explicit ZULMRSBSPShortInteger(const std::array<std::uint64_t, Limbs>& limbs) : m_Limbs(limbs) {}
+
+    ZULMRSBSPSign Sign() const
+    {
+        if (static_cast<std::int64_t>(m_Limbs[Limbs - 1]) < 0) {
+            return ZULMRSBSPSign::Negative();
+        }
+        std::uint64_t bits = 0;
+        for (const std::uint64_t limb : m_Limbs) {
+            bits |= limb;
+        }
+        return bits == 0 ? ZULMRSBSPSign::Zero() : ZULMRSBSPSign::Positive();
+    }
+
+    friend ZULMRSBSPShortInteger operator+(const ZULMRSBSPShortInteger& x, const ZULMRSBSPShortInteger& y)
+    {
+        return Sum(x, y, 0);
+    }
+    friend ZULMRSBSPShortInteger operator-(const ZULMRSBSPShortInteger& x, const ZULMRSBSPShortInteger& y)
+    {
+        return Sum(x, y, ~std::uint64_t{0});
+    }
+    friend ZULMRSBSPShortInteger operator-(const ZULMRSBSPShortInteger& x)
+    {
+        return ZULMRSBSPShortInteger() - x;
+    }
+    friend ZULMRSBSPShortInteger<Limbs + 1> operator*(const ZULMRSBSPShortInteger& x,
+                                                      const ZULMRSBSPShortInteger<1>& y)
+    {
+        return Product(x, static_cast<std::int64_t>(y.GetLimb(0)));
+    }
+    friend ZULMRSBSPShortInteger<Limbs + 1> operator*(const ZULMRSBSPShortInteger<1>& x,
+                                                      const ZULMRSBSPShortInteger& y) requires(Limbs > 1)
+    {
+        return y * x;
+    }
+
+    std::uint64_t GetLimb(std::size_t index) const { return m_Limbs[index]; }
+
+private:
+    __extension__ using Wide = __int128;
+    __extension__ using UnsignedWide = unsigned __int128;
+
+    /// x + y, or with all bits in the mask x - y.
+    static ZULMRSBSPShortInteger Sum(const ZULMRSBSPShortInteger& x, const ZULMRSBSPShortInteger& y,
+                                     std::uint64_t mask)
+    {
+        ZULMRSBSPShortInteger result;
+        std::uint64_t carry = mask & 1U;
+        for (std::size_t i = 0; i < Limbs; ++i) {
+            const UnsignedWide sum = UnsignedWide{x.m_Limbs[i]} + (y.m_Limbs[i] ^ mask) + carry;
+            result.m_Limbs[i] = static_cast<std::uint64_t>(sum);
+            carry = static_cast<std::uint64_t>(sum >> 64);
+        }
+        return result;
+    }
+
+    // With the factor below 2^62 no partial product leaves the range of the wide integer.
+    static ZULMRSBSPShortInteger<Limbs + 1> Product(const ZULMRSBSPShortInteger& x, std::int64_t factor)
+    {
+        std::array<std::uint64_t, Limbs + 1> limbs;
+        Wide carry = 0;
+        for (std::size_t i = 0; i + 1 < Limbs; ++i) {
+            carry += static_cast<Wide>(x.m_Limbs[i]) * factor;
+            limbs[i] = static_cast<std::uint64_t>(carry);
+            carry >>= 64;
+        }
+        carry += static_cast<Wide>(static_cast<std::int64_t>(x.m_Limbs[Limbs - 1])) * factor;
+        limbs[Limbs - 1] = static_cast<std::uint64_t>(carry);
+        limbs[Limbs] = static_cast<std::uint64_t>(carry >> 64);
+        return ZULMRSBSPShortInteger<Limbs + 1>(limbs);
+    }
+
+    std::array<std::uint64_t, Limbs> m_Limbs{};
+};
+
+/// Doubles as integers times common powers of two. Scaling a row, or the last column, of a determinant by a
+/// power of two does not change its sign.
+namespace ZULMRSBSPShortIntegers
+{
+using Input = ZULMRSBSPShortInteger<1>;
+constexpr int InputBits = 62;
+
+// Signs and exponents of input cannot be foreseen, so nothing here branches on them.
+
+/// A double taken apart: mantissa times 2^exponent, up to one common offset of all exponents.
+struct Parts {
+    std::uint64_t m_Mantissa;
+    std::uint64_t m_SignMask;  ///< all bits for a negative number, else none
+    int m_Exponent;
+};
+
+/// By bits alone. False for what is not finite.
+inline bool TakeApart(double value, Parts& parts)
+{
+    constexpr int infinite = 0x7FF;
+    constexpr std::uint64_t hiddenBit = std::uint64_t{1} << 52;
+    const auto bits = std::bit_cast<std::uint64_t>(value);
+    const auto exponent = static_cast<int>((bits >> 52) & infinite);
+    parts.m_Mantissa = (bits & (hiddenBit - 1)) | (exponent != 0 ? hiddenBit : 0);
+    parts.m_SignMask = 0 - (bits >> 63);
+    parts.m_Exponent = std::max(exponent, 1);
+    return exponent != infinite;
+}
+
+/// The exponents of the lowest bit in use and of the place above the highest, over some numbers. Empty for
+/// zeros alone.
+struct Range {
+    static constexpr int Nowhere = 1 << 20;
+
+    int m_Low = Nowhere;
+    int m_High = -Nowhere;
+
+    void Include(const Parts& parts)
+    {
+        constexpr std::uint64_t stop = std::uint64_t{1} << 53;
+        const int low = parts.m_Exponent + std::countr_zero(parts.m_Mantissa | stop);
+        const int high = parts.m_Exponent + 53;
+        const bool isZero = parts.m_Mantissa == 0;
+        m_Low = std::min(m_Low, isZero ? Nowhere : low);
+        m_High = std::max(m_High, isZero ? -Nowhere : high);
+    }
+};
+
+/// The number divided by 2^scale; it must be an integer of InputBits bits.
+inline Input ToInteger(const Parts& parts, int scale)
+{
+    // Left as far as an input goes, then right past the places that are not wanted, which hold zeros.
+    constexpr int room = InputBits - 53;
+    const auto places = static_cast<unsigned int>(room - (parts.m_Exponent - scale)) % 64U;
+    const std::uint64_t magnitude = (parts.m_Mantissa << room) >> places;
+    return Input({(magnitude ^ parts.m_SignMask) - parts.m_SignMask});
+}
+
+/// A row with a scale of its own. False when it does not fit.
+inline bool Convert(const std::array<double, 3>& row, std::array<Input, 3>& integers)
+{
+    std::array<Parts, 3> parts;
+    Range range;
+    for (std::size_t i = 0; i < 3; ++i) {
+        if (!TakeApart(row[i], parts[i])) {
+            return false;
+        }
+        range.Include(parts[i]);
+    }
+    if (range.m_High - range.m_Low > InputBits) {
+        return false;
+    }
+    for (std::size_t i = 0; i < 3; ++i) {
+        integers[i] = ToInteger(parts[i], range.m_Low);
+    }
+    return true;
+}
+
+/// Four plane equations, each with a scale of its own, and one more scale for all offsets. False when they do
+/// not fit.
+class Equations
+{
+public:
+    bool Convert(const std::array<const std::array<double, 4>*, 4>& equations)
+    {
+        return TakeAllApart(equations) && ChooseOffsetScale() && ConvertRows();
+    }
+    const std::array<Input, 4>& operator[](std::size_t row) const { return m_Integers[row]; }
+
+private:
+    bool TakeAllApart(const std::array<const std::array<double, 4>*, 4>& equations)
+    {
+        for (std::size_t row = 0; row < 4; ++row) {
+            for (std::size_t i = 0; i < 4; ++i) {
+                if (!TakeApart((*equations[row])[i], m_Parts[row][i])) {
+                    return false;
+                }
+                (i < 3 ? m_Normals[row] : m_Offsets[row]).Include(m_Parts[row][i]);
+            }
+        }
+        return true;
+    }
+
+    // A row's scale r must satisfy high - InputBits <= r <= low for its normal, and r + s the same for its
+    // offset. Some r does exactly when s lies between the bounds below.
+    bool ChooseOffsetScale()
+    {
+        int lowest = -Range::Nowhere;
+        int highest = Range::Nowhere;
+        for (std::size_t row = 0; row < 4; ++row) {
+            lowest = std::max(lowest, m_Offsets[row].m_High - m_Normals[row].m_Low - InputBits);
+            highest = std::min(highest, m_Offsets[row].m_Low - m_Normals[row].m_High + InputBits);
+        }
+        m_OffsetScale = std::clamp(0, std::min(lowest, highest), highest);
+        return lowest <= highest;
+    }
+
+    bool ConvertRows()
+    {
+        for (std::size_t row = 0; row < 4; ++row) {
+            const int scale = std::min(m_Normals[row].m_Low, m_Offsets[row].m_Low - m_OffsetScale);
+            if (m_Normals[row].m_High - scale > InputBits ||
+                m_Offsets[row].m_High - m_OffsetScale - scale > InputBits) {
+                return false;
+            }
+            for (std::size_t i = 0; i < 4; ++i) {
+                m_Integers[row][i] = ToInteger(m_Parts[row][i], i < 3 ? scale : scale + m_OffsetScale);
+            }
+        }
+        return true;
+    }
+
+    std::array<std::array<Parts, 4>, 4> m_Parts;
+    std::array<Range, 4> m_Normals;
+    std::array<Range, 4> m_Offsets;
+    int m_OffsetScale = 0;
+    std::array<std::array<Input, 4>, 4> m_Integers;
+};
+}  // namespace ZULMRSBSPShortIntegers
+
+#endif

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <sstream>
@@ -164,15 +165,18 @@ TEST_F(ZULMRSSurfaceMeshOfCuts, AFaceKeepsTheVerticesThatTouchIt)
 
 TEST_F(ZULMRSSurfaceMeshOfCuts, ATipMayTouchAnEdge)
 {
-    // Half a pyramid that stands on its tip, in the middle of a plate's edge.
-    ZULMRSCuttingSolid solid(AxisBox(-2, 0, -1, 2, 2, 2), LeavesOf(20));
-    for (const std::array<double, 2>& way : {std::array<double, 2>{1, 0}, {-1, 0}, {0, 1}}) {
-        solid.Subtract({{{0, 0, -1, 0}, {-way[0], -way[1], 1, 0}}});
+    // Half a pyramid that stands on its tip, or hangs from it, in the middle of a plate's edge.
+    for (const double up : {1.0, -1.0}) {
+        ZULMRSCuttingSolid solid(AxisBox(-2, 0, std::min(-up, 2 * up), 2, 2, std::max(-up, 2 * up)),
+                                 LeavesOf(20));
+        for (const std::array<double, 2>& way : {std::array<double, 2>{1, 0}, {-1, 0}, {0, 1}}) {
+            solid.Subtract({{{-way[0], -way[1], up, 0}, {0, 0, -up, 0}}});
+        }
+        const ZULMRSSurfaceMesh mesh = ZULTest::ExtractSolidTriangles(solid.GetCells());
+        // The tip stays a vertex of the plate.
+        EXPECT_EQ(mesh.m_Vertices.size(), 8U + 5U);
+        EXPECT_EQ(mesh.m_Triangles.size(), (2U * 9U - 4U) + (2U * 5U - 4U));
     }
-    const ZULMRSSurfaceMesh mesh = ZULTest::ExtractSolidTriangles(solid.GetCells());
-    // The tip stays a vertex of the plate.
-    EXPECT_EQ(mesh.m_Vertices.size(), 8U + 5U);
-    EXPECT_EQ(mesh.m_Triangles.size(), (2U * 9U - 4U) + (2U * 5U - 4U));
 }
 
 TEST_F(ZULMRSSurfaceMeshOfCuts, TheSameCutsGiveTheSameMesh)

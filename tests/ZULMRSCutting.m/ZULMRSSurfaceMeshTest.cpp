@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -30,10 +31,36 @@ ZULMathOBB MakeBox(const ZULMathVector& extents, const ZULMathPoint& center)
     return ZULMathOBB(ZULMathOBBBase({1, 0, 0}, {0, 1, 0}, {0, 0, 1}, extents, center));
 }
 
+using DirectedEdge = std::pair<std::uint32_t, std::uint32_t>;
+
 void ExpectSize(const ZULMRSSurfaceMesh& mesh, std::size_t nbVertices, std::size_t nbTriangles)
 {
     EXPECT_EQ(mesh.m_Vertices.size(), nbVertices);
     EXPECT_EQ(mesh.m_Triangles.size(), nbTriangles);
+}
+
+// Vertices of an axis-parallel solid at which no three planes meet, though it does not touch itself there.
+std::size_t CountNeedlessVertices(const ZULMRSSurfaceMesh& mesh)
+{
+    std::vector<std::set<std::size_t>> axes(mesh.m_Vertices.size());
+    std::set<DirectedEdge> once;
+    std::set<std::uint32_t> touched;
+    for (const auto& triangle : mesh.m_Triangles) {
+        const ZULMathVector normal = NormalOf(mesh, triangle);
+        const std::size_t axis = normal.x != 0.0 ? 0 : normal.y != 0.0 ? 1 : 2;
+        for (std::size_t i = 0; i < 3; ++i) {
+            axes[triangle[i]].insert(axis);
+            const DirectedEdge edge{triangle[i], triangle[(i + 1) % 3]};
+            if (!once.insert(edge).second) {
+                touched.insert({edge.first, edge.second});
+            }
+        }
+    }
+    std::size_t count = 0;
+    for (std::uint32_t vertex = 0; vertex < axes.size(); ++vertex) {
+        count += axes[vertex].size() < 3 && touched.count(vertex) == 0 ? 1 : 0;
+    }
+    return count;
 }
 
 const auto Everywhere = [](int, int, int) { return true; };
@@ -122,6 +149,7 @@ TEST(ZULMRSSurfaceMesh, RandomSolidsHaveNoVertexInsideAnEdge)
         if (CountMaxUses(mesh) == 2) {
             EXPECT_EQ(CountVerticesInsideEdges(mesh), 0U);
         }
+        EXPECT_EQ(CountNeedlessVertices(mesh), 0U);
     }
 }
 
@@ -173,9 +201,9 @@ TEST(ZULMRSSurfaceMesh, PointsMayHaveANegativeDenominator)
 
 TEST(ZULMRSSurfaceMesh, ABodyWithoutDepthKeepsItsCorners)
 {
-    // Two sides of one hexagon.
-    const std::array<std::array<double, 3>, 6> outline{
-        {{1, 0, -4}, {1, 1, -6}, {0, 1, -4}, {-1, 0, 0}, {-1, -1, 2}, {0, -1, 0}}};
+    // Two sides of one pentagon, whose loops begin at different corners.
+    constexpr std::array<std::array<double, 3>, 5> outline{
+        {{1, 0, -4}, {1, 1, -6}, {0, 1, -4}, {-1, 0, 0}, {0, -1, 0}}};
     const ZULTest::OwnedPlane front = ZULTest::MakePlane(0, 0, 1, 0);
     const ZULTest::OwnedPlane back = ZULTest::MakePlane(0, 0, -1, 0);
     std::vector<ZULTest::OwnedPlane> edges;
@@ -183,27 +211,30 @@ TEST(ZULMRSSurfaceMesh, ABodyWithoutDepthKeepsItsCorners)
     for (const auto& line : outline) {
         edges.push_back(ZULTest::MakePlane(line[0], line[1], 0, line[2]));
     }
-    for (std::size_t i = 0; i < 6; ++i) {
+    for (std::size_t i = 0; i < 5; ++i) {
         bool isValid = false;
         points.emplace_back(ZULMRSBSPPointNS::CreatePoint(front.get(), edges[i].get(),
-                                                          edges[(i + 1) % 6].get(), isValid, true));
+                                                          edges[(i + 1) % 5].get(), isValid, true));
     }
-    auto backEdges = ZULTest::Pointers(edges);
-    auto backPoints = ZULTest::Pointers(points);
-    std::reverse(backEdges.begin(), backEdges.end());
-    std::reverse(backPoints.begin(), backPoints.end());
-    std::rotate(backPoints.begin(), backPoints.begin() + 1, backPoints.end());
-    const OwnedPolyhedron pillow(new ZULMRSBSPPolyhedron);
-    const ZULTest::OwnedPolygon upper(
-        new ZULMRSBSPPolygon(front.get(), ZULTest::Pointers(edges), ZULTest::Pointers(points)));
-    const ZULTest::OwnedPolygon lower(
-        new ZULMRSBSPPolygon(back.get(), std::move(backEdges), std::move(backPoints)));
-    pillow->AddAPolygon(upper.get(), 1);
-    pillow->AddAPolygon(lower.get(), 1);
-    const ZULMRSSurfaceMesh mesh = ZULMRSExtractSurface({pillow.get()});
-    ExpectSize(mesh, 6, 8);
-    EXPECT_TRUE(mesh.IsClosed());
-    EXPECT_EQ(mesh.GetVolume(), 0.0);
+    for (std::size_t first = 0; first < 5; ++first) {
+        std::vector<ZULMRSBSPPlane*> backEdges;
+        std::vector<ZULMRSBSPPoint*> backPoints;
+        for (std::size_t i = 0; i < 5; ++i) {
+            backEdges.push_back(edges[(first + 5 - i) % 5].get());
+            backPoints.push_back(points[(first + 9 - i) % 5].get());
+        }
+        const ZULTest::OwnedPolygon upper(
+            new ZULMRSBSPPolygon(front.get(), ZULTest::Pointers(edges), ZULTest::Pointers(points)));
+        const ZULTest::OwnedPolygon lower(
+            new ZULMRSBSPPolygon(back.get(), std::move(backEdges), std::move(backPoints)));
+        const OwnedPolyhedron pillow(new ZULMRSBSPPolyhedron);
+        pillow->AddAPolygon(upper.get(), 1);
+        pillow->AddAPolygon(lower.get(), 1);
+        const ZULMRSSurfaceMesh mesh = ZULMRSExtractSurface({pillow.get()});
+        ExpectSize(mesh, 5, 6);
+        EXPECT_TRUE(mesh.IsClosed());
+        EXPECT_EQ(mesh.GetVolume(), 0.0);
+    }
 }
 
 TEST(ZULMRSSurfaceMesh, TheSameSolidGivesTheSameMesh)

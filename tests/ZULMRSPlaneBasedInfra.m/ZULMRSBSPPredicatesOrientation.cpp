@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <atomic>
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <thread>
 #include <vector>
 
 #include "ZULMRSBSPOrientation.h"
@@ -173,6 +175,45 @@ TEST(ZULMRSBSPPredicatesOrientation, AnswersDoNotDependOnTheEnvironmentAndLeaveI
 #else
     GTEST_SKIP() << "no control word to set";
 #endif
+}
+
+TEST(ZULMRSBSPPredicatesOrientation, ThreadsDoNotDisturbEachOther)
+{
+    const Silence silence;
+    Random random(22'009);
+    std::vector<FourPlanes> scenes;
+    for (int i = 0; i < 50; ++i) {
+        scenes.emplace_back(Scene(random, AllRegimes[static_cast<std::size_t>(i) % AllRegimes.size()],
+                                  AllPositions[static_cast<std::size_t>(i) % AllPositions.size()]));
+    }
+    struct Question {
+        const ZULMRSBSPPlane* m_Plane;
+        Point m_Point;
+        int m_Expected;
+    };
+    std::vector<Question> questions;
+    for (const FourPlanes& planes : scenes) {
+        planes.ForEveryCase([&](const ZULMRSBSPPlane& plane, ZULMRSBSPPoint& point, int expected) {
+            point.AddRef();
+            questions.push_back({&plane, Own(&point), expected});
+        });
+    }
+    std::atomic<int> wrong{0};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&questions, &wrong] {
+            for (int round = 0; round < 20; ++round) {
+                for (const Question& question : questions) {
+                    wrong +=
+                        IsPointInFrontOfPlane(*question.m_Plane, *question.m_Point) != question.m_Expected;
+                }
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(wrong.load(), 0);
 }
 
 TEST(ZULMRSBSPPredicatesOrientation, APointLiesOnItsOwnPlanes)

@@ -15,7 +15,7 @@ namespace
 {
 using ZULExpReference::Random;
 
-constexpr int NbCases = 1000000;
+using ZULExpReference::NbCases;
 
 /// Mostly of a few limbs, as in practice; some of thousands of bits; runs of zeros and ones at limb borders.
 mpz_class RandomInteger(Random& random)

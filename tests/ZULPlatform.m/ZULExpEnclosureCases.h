@@ -57,30 +57,33 @@ inline ZULExpInterval Compute(Operation operation, const ZULExpInterval& x, cons
     }
 }
 
-/// A fraction; the denominator is positive.
+/// A fraction; the denominator is positive. Without one it is the numerator alone.
 struct Fraction {
     Exact m_Numerator;
     Exact m_Denominator;
+    bool m_IsWhole = false;
 };
 
 inline Fraction ComputeExactly(Operation operation, double x, double y)
 {
-    const Exact one(1.0);
     switch (operation) {
         case Addition:
-            return {Exact(x) + Exact(y), one};
+            return {Exact(x) + Exact(y), {}, true};
         case Subtraction:
-            return {Exact(x) - Exact(y), one};
+            return {Exact(x) - Exact(y), {}, true};
         case Multiplication:
-            return {Exact(x) * Exact(y), one};
+            return {Exact(x) * Exact(y), {}, true};
         default:
-            return y > 0.0 ? Fraction{Exact(x), Exact(y)} : Fraction{-Exact(x), -Exact(y)};
+            return y > 0.0 ? Fraction{Exact(x), Exact(y), false} : Fraction{-Exact(x), -Exact(y), false};
     }
 }
 
 inline int CompareWithFraction(double x, const Fraction& y)
 {
-    return std::isinf(x) ? Compare(x, y.m_Numerator) : Compare(Exact(x) * y.m_Denominator, y.m_Numerator);
+    if (std::isinf(x) || y.m_IsWhole) {
+        return Compare(x, y.m_Numerator);
+    }
+    return Compare(Exact(x) * y.m_Denominator, y.m_Numerator);
 }
 
 inline std::string Describe(Operation operation, Bounds x, Bounds y, const ZULExpInterval& result)
@@ -99,9 +102,12 @@ inline bool IsNarrowestEnclosure(Operation operation, Bounds x, Bounds y, const 
     const double closerUpper = std::nextafter(result.UpperBound(), -infinity);
     bool isLowerTight = false;
     bool isUpperTight = false;
-    for (const double xBound : {x.m_Lower, x.m_Upper}) {
-        for (const double yBound : {y.m_Lower, y.m_Upper}) {
-            const Fraction exact = ComputeExactly(operation, xBound, yBound);
+    const int nbX = x.m_Lower == x.m_Upper ? 1 : 2;
+    const int nbY = y.m_Lower == y.m_Upper ? 1 : 2;
+    for (int i = 0; i < nbX; ++i) {
+        for (int j = 0; j < nbY; ++j) {
+            const Fraction exact =
+                ComputeExactly(operation, i == 0 ? x.m_Lower : x.m_Upper, j == 0 ? y.m_Lower : y.m_Upper);
             if (CompareWithFraction(result.LowerBound(), exact) > 0 ||
                 CompareWithFraction(result.UpperBound(), exact) < 0) {
                 return false;

@@ -19,7 +19,7 @@ using ZULExpReference::FromBits;
 using ZULExpReference::Random;
 using ZULExpReference::RandomDouble;
 
-constexpr int NbCases = 1000000;
+using ZULExpReference::NbCases;
 const double Infinity = std::numeric_limits<double>::infinity();
 const double Largest = std::numeric_limits<double>::max();
 const double SmallestDenormal = std::numeric_limits<double>::denorm_min();

@@ -13,7 +13,7 @@ namespace
 {
 using namespace ZULExpEnclosureCases;
 
-constexpr int NbCases = 1000000;
+using ZULExpReference::NbCases;
 const double Infinity = std::numeric_limits<double>::infinity();
 const double NaN = std::numeric_limits<double>::quiet_NaN();
 const double Largest = std::numeric_limits<double>::max();

@@ -74,9 +74,6 @@ private:
         if (const auto found = m_Records.find(&key); found != m_Records.end()) {
             return *found;
         }
-        // The set computes its load with doubles, which must not trap where the caller has unmasked
-        // exceptions.
-        const ZULExpFloatScope scope;
         std::unique_ptr<ZULMRSBSPCoordinateRecord> record(new ZULMRSBSPCoordinateRecord{point});
         m_Records.insert(record.get());
         return record.release();

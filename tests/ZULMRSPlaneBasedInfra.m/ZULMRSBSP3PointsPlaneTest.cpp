@@ -362,6 +362,30 @@ TEST(CoordinateRecord, FailedConstructionGivesItsRecordsBack)
     EXPECT_EQ(ZULTest::GetLiveBlocks(), before);
 }
 
+// A plane takes a record between the two halves of its last holder's release: the count going to zero, and
+// the look at the table.
+TEST(CoordinateRecord, ARecordTakenAgainDuringItsReleaseLives)
+{
+    Through(UnitPoints).reset();
+    const long before = ZULTest::GetLiveBlocks();
+    const ZULTest::Point3 point = {31, 32, 33};
+    auto leaving = Through({{point, {1, 0, 0}, {0, 1, 0}}});
+    ZULMRSBSPCoordinateRecord* record = RecordsOf(*leaving)[0];
+    record->m_References.fetch_sub(1);
+    auto taking = Through({{{1, 0, 0}, point, {0, 1, 0}}});
+    EXPECT_EQ(RecordsOf(*taking)[1], record);
+    EXPECT_EQ(record->m_References.load(), 1);
+    EXPECT_EQ(record->m_TableCount, 2);
+    // The destructor counts down once more than a release that had already begun.
+    leaving.reset();
+    record->m_References.fetch_add(1);
+    EXPECT_EQ(record->m_TableCount, 1);
+    EXPECT_EQ(taking->Get3Points()[1], point);
+    EXPECT_EQ(RecordsOf(*Through({{point, point, point}}))[0], record);
+    taking.reset();
+    EXPECT_EQ(ZULTest::GetLiveBlocks(), before);
+}
+
 // Threads take and drop the same few points, so records are revived while their last holder lets go.
 TEST(CoordinateRecord, ThreadsTakeAndDropTheSamePoints)
 {

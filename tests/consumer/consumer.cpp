@@ -1,3 +1,4 @@
+#include <cmath>
 #include <cstdio>
 #include <memory>
 
@@ -17,5 +18,5 @@ int main()
     ZULMRSCuttingSolid solid(box);
     solid.Subtract({{{-1, 0, 0, 0}}});
     std::printf("%s %g\n", isInside ? "exact" : "wrong", solid.GetVolume());
-    return isInside && solid.GetVolume() == 24.0 ? 0 : 1;
+    return isInside && std::fabs(solid.GetVolume() - 24.0) < 1e-9 ? 0 : 1;
 }

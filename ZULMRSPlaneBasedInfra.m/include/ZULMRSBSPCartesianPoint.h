@@ -15,9 +15,9 @@ public:
                             const ZULMathPoint& coordinates);
     /// Shallow, as ZULMRSBSPPoint's; moving is copying.
     ZULMRSBSPCartesianPoint(const ZULMRSBSPCartesianPoint& other);
-    ZULMRSBSPCartesianPoint(ZULMRSBSPCartesianPoint&& other);
+    ZULMRSBSPCartesianPoint(ZULMRSBSPCartesianPoint&& other) noexcept;
     ZULMRSBSPCartesianPoint& operator=(const ZULMRSBSPCartesianPoint& other);
-    ZULMRSBSPCartesianPoint& operator=(ZULMRSBSPCartesianPoint&& other);
+    ZULMRSBSPCartesianPoint& operator=(ZULMRSBSPCartesianPoint&& other) noexcept;
 
     ZULMRSBSPPointType GetType() const override;
     /// The representations are new arrays (x, y, z, 1); (null, false) when memory is exhausted.

@@ -31,9 +31,9 @@ ZULMRSBSPCartesianPoint::ZULMRSBSPCartesianPoint(ZULMRSBSPPlane* p1, ZULMRSBSPPl
 }
 
 ZULMRSBSPCartesianPoint::ZULMRSBSPCartesianPoint(const ZULMRSBSPCartesianPoint&) = default;
-ZULMRSBSPCartesianPoint::ZULMRSBSPCartesianPoint(ZULMRSBSPCartesianPoint&&) = default;
+ZULMRSBSPCartesianPoint::ZULMRSBSPCartesianPoint(ZULMRSBSPCartesianPoint&&) noexcept = default;
 ZULMRSBSPCartesianPoint& ZULMRSBSPCartesianPoint::operator=(const ZULMRSBSPCartesianPoint&) = default;
-ZULMRSBSPCartesianPoint& ZULMRSBSPCartesianPoint::operator=(ZULMRSBSPCartesianPoint&&) = default;
+ZULMRSBSPCartesianPoint& ZULMRSBSPCartesianPoint::operator=(ZULMRSBSPCartesianPoint&&) noexcept = default;
 ZULMRSBSPCartesianPoint::~ZULMRSBSPCartesianPoint() = default;
 
 void ZULMRSBSPCartesianPoint::Orient()

@@ -8,30 +8,22 @@
 #include <utility>
 #include <vector>
 
-#include "ZULMRSBSP3PointsPlane.h"
-#include "ZULMRSBSPCartesianPlane.h"
+#include "ZULMRSBSP3PlanesPointKit.h"
 #include "ZULMRSBSPQuadrupleHolder.h"
 #include "ZULTestAllocation.h"
 #include "ZULTestNumbers.h"
 #include "ZULTestPlaneStub.h"
 #include "ZULTestSupport.h"
 
+using namespace ThreePlanesPointKit;
 using ZULTest::AreSameBits;
 using ZULTest::Own;
-using ZULTest::Plane4;
 using ZULTest::PlaneStub;
 using ZULTest::PlaneStubWithDoubles;
-using ZULTest::Regime;
 
 namespace
 {
-using Triple = std::array<ZULMRSBSPPlane*, 3>;
-using Equations = std::array<Plane4, 3>;
-using PlaneOwner = ZULTest::Owner<ZULMRSBSPPlane>;
-using PointOwner = ZULTest::Owner<ZULMRSBSP3PlanesPoint>;
 using Calls = std::vector<int>;
-
-constexpr int NbRounds = 10000 / ZUL_TEST_CASES_DIVISOR;
 
 constexpr const char* ExactLine =
     "[E] ERROR INVALID POINT (nul determinant) ( Error happened in function ZULMRSBSP3PlanesPoint::Init / "
@@ -48,96 +40,6 @@ constexpr const char* NoApproximationLine =
     "[E] ZULMRSBSP3PlanesPoint::GetApproximatedXYZ() INVALID EQUATION !! -> Return (0.,0.,0.) ( Error "
     "happened "
     "in function ZULMRSBSP3PlanesPoint::GetApproximatedXYZ / Source : ZULMRSBSP3PlanesPoint / Line : 188)\n";
-
-/// Three planes held by the test, and the point on them.
-struct Fixture {
-    explicit Fixture(const Equations& equations)
-    {
-        for (std::size_t i = 0; i < 3; ++i) {
-            m_Planes[i] = PlaneOwner(new ZULMRSBSPCartesianPlane(equations[i]));
-        }
-        Make();
-    }
-    Fixture(PlaneOwner p1, PlaneOwner p2, PlaneOwner p3)
-        : m_Planes{std::move(p1), std::move(p2), std::move(p3)}
-    {
-        Make();
-    }
-
-    void Make() { m_Point = PointOwner(new ZULMRSBSP3PlanesPoint(GetTriple(), m_IsValid)); }
-    Triple GetTriple() const { return {m_Planes[0].get(), m_Planes[1].get(), m_Planes[2].get()}; }
-    Triple GetExchanged() const { return {m_Planes[0].get(), m_Planes[2].get(), m_Planes[1].get()}; }
-
-    std::array<PlaneOwner, 3> m_Planes;
-    bool m_IsValid = false;
-    PointOwner m_Point;
-};
-
-PlaneOwner Cartesian(const Plane4& equation)
-{
-    return PlaneOwner(new ZULMRSBSPCartesianPlane(equation));
-}
-PlaneOwner Through(const std::array<std::array<double, 3>, 3>& points)
-{
-    return PlaneOwner(new ZULMRSBSP3PointsPlane(points));
-}
-/// A three-points plane (z = 0) whose equation overflows as a filtered number and as an interval.
-PlaneOwner Overflowing()
-{
-    return Through({{{0, 0, 0}, {1e200, 0, 0}, {0, 1e200, 0}}});
-}
-
-const std::array<ZULExpDynamic, 4>* CacheOf(const ZULMRSBSP3PlanesPoint& point)
-{
-    return std::get<0>(point.GetCartesianRepresentation_ExpDynamic());
-}
-
-using Row = std::array<double, 3>;
-
-/// The filtered determinant of three rows of doubles, written out.
-ZULExpDynamic FilteredDeterminant(const Row& p, const Row& q, const Row& r)
-{
-    const auto absolute = [](double x) { return std::fabs(x); };
-    const double value = (r[2] * q[1] - r[1] * q[2]) * p[0] + (r[0] * q[2] - r[2] * q[0]) * p[1] +
-                         (r[1] * q[0] - r[0] * q[1]) * p[2];
-    const double magnitude =
-        (absolute(q[2]) * absolute(r[0]) + absolute(q[0]) * absolute(r[2])) * absolute(p[1]) +
-        (absolute(r[1]) * absolute(q[2]) + absolute(q[1]) * absolute(r[2])) * absolute(p[0]) +
-        (absolute(r[1]) * absolute(q[0]) + absolute(q[1]) * absolute(r[0])) * absolute(p[2]);
-    return {value, magnitude, 8};
-}
-
-std::array<ZULExpDynamic, 4> FilteredPoint(const Equations& planes)
-{
-    const auto rows = [&planes](int column) {
-        std::array<Row, 3> result;
-        for (std::size_t i = 0; i < 3; ++i) {
-            result[i] = {planes[i][0], planes[i][1], planes[i][2]};
-            if (column < 3) {
-                result[i][static_cast<std::size_t>(column)] = -planes[i][3];
-            }
-        }
-        return FilteredDeterminant(result[0], result[1], result[2]);
-    };
-    return {rows(0), rows(1), rows(2), rows(3)};
-}
-
-std::array<ZULExpDynamic, 4> Negated(const std::array<ZULExpDynamic, 4>& numbers)
-{
-    return {-numbers[0], -numbers[1], -numbers[2], -numbers[3]};
-}
-
-ZULTest::RationalPoint ExactPoint(const Equations& planes)
-{
-    return ZULTest::MeetingPoint(
-        {ZULTest::ToRational(planes[0]), ZULTest::ToRational(planes[1]), ZULTest::ToRational(planes[2])});
-}
-
-const Equations Corner = {Plane4{1, 0, 0, -1}, Plane4{0, 1, 0, -2}, Plane4{0, 0, 1, -3}};
-/// Undecided by the filter; the exact determinant is -3 units in the last place of nine.
-const Equations NearlyDependent = {Plane4{1, 2, 3, 1}, Plane4{4, 5, 6, 2}, Plane4{7, 8, 9.0 + 0x1p-49, 4}};
-const Equations Huge = {Plane4{1e200, 0, 0, -1e200}, Plane4{0, 1e200, 0, -2e200},
-                        Plane4{0, 0, 1e200, -3e200}};
 
 TEST(ThreePlanesPoint, ThePointOfThreePlanes)
 {
@@ -347,105 +249,6 @@ TEST(ThreePlanesPoint, EarlierNumbersStayWhereANewPlaneHasNone)
     ASSERT_EQ(CacheOf(*faulted.m_Point), nullptr);
     EXPECT_TRUE(faulted.m_Point->ReplacePlaneByEquivalentPlane(overflowing.get(), faulted.m_Planes[2].get()));
     EXPECT_NE(CacheOf(*faulted.m_Point), nullptr);
-}
-
-TEST(ThreePlanesPoint, TheCacheIsTheFormulaInItsOrder)
-{
-    ZULTest::Random random(51);
-    int decided = 0;
-    const ZULTest::LineCapture lines;
-    for (const Regime regime : ZULTest::AllRegimes) {
-        for (int round = 0; round < 1000; ++round) {
-            const Equations equations = random.PlaneTriple(regime);
-            const Fixture f(equations);
-            const auto* cache = CacheOf(*f.m_Point);
-            if (cache == nullptr) {
-                continue;
-            }
-            std::array<ZULExpDynamic, 4> expected = FilteredPoint(equations);
-            if (expected[3].Sign() == ZULExpSignNegative) {
-                expected = Negated(expected);
-            }
-            EXPECT_TRUE(AreSameBits(*cache, expected)) << ZULTest::NameOf(regime);
-            ++decided;
-        }
-    }
-    EXPECT_GT(decided, 3000);
-}
-
-/// Random planes of both kinds and what they are exactly.
-struct MixedPlanes {
-    MixedPlanes(ZULTest::Random& random, Regime regime, bool allCartesian)
-    {
-        const Equations equations = random.PlaneTriple(regime);
-        for (std::size_t i = 0; i < 3; ++i) {
-            if (allCartesian || random.OneIn(2)) {
-                m_Planes[i] = Cartesian(equations[i]);
-                m_Exact[i] = ZULTest::ToRational(equations[i]);
-            } else {
-                const auto points = random.PointTriple(regime);
-                m_Planes[i] = Through(points);
-                m_Exact[i] = ZULTest::ThroughPoints(points);
-            }
-            m_LacksFiltered |= !ZULMRSBSPQuadrupleHolder(m_Planes[i]->GetStdEquation_ExpDynamic());
-        }
-    }
-
-    std::array<PlaneOwner, 3> m_Planes;
-    std::array<ZULTest::RationalPlane, 3> m_Exact;
-    bool m_LacksFiltered = false;
-};
-
-void CheckAgainstRationals(ZULTest::Random& random, Regime regime, bool allCartesian, int& delivered)
-{
-    MixedPlanes planes(random, regime, allCartesian);
-    const ZULTest::RationalPoint given = ZULTest::MeetingPoint(planes.m_Exact);
-    const Triple triple = {planes.m_Planes[0].get(), planes.m_Planes[1].get(), planes.m_Planes[2].get()};
-    bool isValid = false;
-    const PointOwner point(new ZULMRSBSP3PlanesPoint(triple, isValid));
-    if (!planes.m_LacksFiltered || allCartesian) {
-        ASSERT_EQ(isValid, sgn(given[3]) != 0) << ZULTest::NameOf(regime);
-        ASSERT_EQ(point->GetP2(), sgn(given[3]) < 0 ? triple[2] : triple[1]) << ZULTest::NameOf(regime);
-    }
-    const bool isExchanged = point->GetP2() != triple[1];
-    const ZULMRSBSPQuadrupleHolder filtered(point->GetCartesianRepresentation_ExpDynamic());
-    const ZULMRSBSPQuadrupleHolder interval(point->GetCartesianRepresentation_ExpInterval());
-    const ZULMRSBSPQuadrupleHolder ring(point->GetCartesianRepresentation_FloatRing());
-    ASSERT_TRUE(ring);
-    delivered += interval ? 1 : 0;
-    for (std::size_t i = 0; i < 4; ++i) {
-        const ZULTest::Rational exact = isExchanged ? ZULTest::Rational(-given[i]) : given[i];
-        EXPECT_TRUE(ZULTest::ToRational(ring[i]) == exact) << ZULTest::NameOf(regime);
-        EXPECT_TRUE(!interval || ZULTest::Contains(interval[i], exact)) << ZULTest::NameOf(regime);
-        // After an undecided exchange the cached numbers are those of the triple as given.
-        if (filtered && !filtered[i].IsPlaceholder()) {
-            EXPECT_TRUE(ZULTest::IsWithinBound(filtered[i], exact) ||
-                        (isExchanged && filtered[3].Sign() != ZULExpSignPositive &&
-                         ZULTest::IsWithinBound(filtered[i], given[i])))
-                << ZULTest::NameOf(regime);
-        }
-    }
-    // The quotients, and their error, enclose the point.
-    if (interval && sgn(given[3]) != 0) {
-        const ZULMRSBSPQuadrupleHolder approximation(point->GetApproximatedXYZError());
-        for (std::size_t i = 0; i < 3 && std::isfinite(approximation[3]); ++i) {
-            const ZULTest::Rational error = abs(ZULTest::ToRational(approximation[i]) - given[i] / given[3]);
-            EXPECT_TRUE(error <= ZULTest::ToRational(approximation[3])) << ZULTest::NameOf(regime);
-        }
-    }
-}
-
-TEST(ThreePlanesPoint, EveryArithmeticHoldsAgainstRationals)
-{
-    ZULTest::Random random(52);
-    const ZULTest::LineCapture lines;
-    int delivered = 0;
-    for (const Regime regime : ZULTest::AllRegimes) {
-        for (int round = 0; round < NbRounds; ++round) {
-            CheckAgainstRationals(random, regime, round % 3 == 0, delivered);
-        }
-    }
-    EXPECT_GT(delivered, 3 * NbRounds);
 }
 
 TEST(ThreePlanesPoint, CartesianPlanesAreReadAsDoublesOnly)
@@ -678,63 +481,4 @@ TEST(ThreePlanesPoint, ApproximationsComeThroughTheVirtualInterface)
     EXPECT_EQ(point->m_Calls, (Calls{4, 2, 4, 2, 4, 2}));
 }
 
-#if ZUL_HAS_SSE2
-struct Observed {
-    PointOwner m_Point;
-    bool m_IsValid = false;
-    ZULMRSBSPQuadruple<ZULExpInterval> m_Interval;
-    ZULMRSBSPQuadruple<double> m_Approximation;
-    Row m_Xyz{};
-};
-
-Observed Observe(const Triple& planes)
-{
-    Observed result;
-    result.m_Point = PointOwner(new ZULMRSBSP3PlanesPoint(planes, result.m_IsValid));
-    result.m_Interval = result.m_Point->GetCartesianRepresentation_ExpInterval();
-    result.m_Approximation = result.m_Point->GetApproximatedXYZError();
-    result.m_Xyz = result.m_Point->GetApproximatedXYZ();
-    return result;
-}
-
-void ExpectSame(const Observed& x, const Observed& y, const char* regime)
-{
-    EXPECT_EQ(x.m_IsValid, y.m_IsValid) << regime;
-    EXPECT_EQ(x.m_Point->GetPlanes(), y.m_Point->GetPlanes()) << regime;
-    EXPECT_TRUE(AreSameBits(x.m_Xyz, y.m_Xyz)) << regime;
-    ASSERT_EQ(CacheOf(*x.m_Point) == nullptr, CacheOf(*y.m_Point) == nullptr) << regime;
-    EXPECT_TRUE(CacheOf(*x.m_Point) == nullptr || AreSameBits(*CacheOf(*x.m_Point), *CacheOf(*y.m_Point)));
-    const ZULMRSBSPQuadrupleHolder p(x.m_Interval);
-    const ZULMRSBSPQuadrupleHolder q(y.m_Interval);
-    ASSERT_EQ(static_cast<bool>(p), static_cast<bool>(q)) << regime;
-    for (std::size_t i = 0; p && i < 4; ++i) {
-        EXPECT_EQ(p[i].LowerBound(), q[i].LowerBound()) << regime;
-        EXPECT_EQ(p[i].UpperBound(), q[i].UpperBound()) << regime;
-    }
-    const ZULMRSBSPQuadrupleHolder u(x.m_Approximation);
-    const ZULMRSBSPQuadrupleHolder v(y.m_Approximation);
-    EXPECT_TRUE(AreSameBits(*u, *v)) << regime;
-}
-
-TEST(ThreePlanesPoint, TheCallersEnvironmentDoesNotMatterAndStays)
-{
-    ZULTest::Random random(53);
-    const ZULTest::LineCapture lines;
-    for (const Regime regime : ZULTest::AllRegimes) {
-        for (int round = 0; round < 10; ++round) {
-            const MixedPlanes planes(random, regime, round % 2 == 0);
-            const Triple triple = {planes.m_Planes[0].get(), planes.m_Planes[1].get(),
-                                   planes.m_Planes[2].get()};
-            for (const ZULExpProcessor::ControlWord word : ZULTest::HostileControlWords()) {
-                const Observed expected = Observe(triple);
-                Observed observed;
-                const auto left = ZULTest::RunUnder(word, [&] { observed = Observe(triple); });
-                EXPECT_EQ(left, word);
-                ExpectSame(observed, expected, ZULTest::NameOf(regime));
-                // The holders of the second comparison own what is left.
-            }
-        }
-    }
-}
-#endif
 }  // namespace

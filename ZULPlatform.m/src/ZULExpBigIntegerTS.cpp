@@ -15,6 +15,27 @@ constexpr std::size_t MaximumLimbs = std::numeric_limits<std::int32_t>::max();
 constexpr std::size_t MantissaBits = 53;
 constexpr std::uint64_t MantissaMask = (std::uint64_t{1} << 52) - 1;
 constexpr std::uint64_t HalfExponentBits = std::uint64_t{1022} << 52;
+
+std::size_t ShiftedRoom(std::size_t size, std::uint64_t shift)
+{
+    if (shift / LimbBits > MaximumLimbs) {
+        throw std::bad_alloc();
+    }
+    return shift / LimbBits + size + 1;
+}
+
+/// Writes x << shift into a room of that many limbs and returns how many are in use.
+std::size_t WriteShifted(Limb* out, const Limb* x, std::size_t size, std::uint64_t shift)
+{
+    if (size == 0) {
+        return 0;
+    }
+    const std::size_t low = shift / LimbBits;
+    std::fill_n(out, low, 0U);
+    const Limb top = ShiftLeft(out + low, x, size, static_cast<unsigned int>(shift % LimbBits));
+    out[low + size] = top;
+    return low + size + (top != 0 ? 1U : 0U);
+}
 }  // namespace
 
 ZULExpBigIntegerTS::ZULExpBigIntegerTS(std::int64_t value) noexcept : ZULExpBigIntegerTS()
@@ -130,29 +151,17 @@ ZULExpBigIntegerTS ZULExpBigIntegerTS::operator-() const
 
 void ZULExpBigIntegerTS::SetShiftedLeft(const ZULExpBigIntegerTS& x, std::uint64_t shift)
 {
-    const std::size_t size = x.Size();
-    const std::uint64_t low = shift / LimbBits;
-    if (low > MaximumLimbs) {
-        throw std::bad_alloc();
-    }
-    std::uint64_t* const out = MakeRoom(low + size + 1);
-    std::fill_n(out, low, 0U);
-    out[low + size] = size == 0 ? 0 : ShiftLeft(out + low, x.Limbs(), size, shift % LimbBits);
-    SetSize(low + size + 1, x.m_SignedSize < 0);
+    std::uint64_t* const out = MakeRoom(ShiftedRoom(x.Size(), shift));
+    SetSize(WriteShifted(out, x.Limbs(), x.Size(), shift), x.m_SignedSize < 0);
 }
 
 void ZULExpBigIntegerTS::SetLongShiftedSum(const ZULExpBigIntegerTS& x, std::uint64_t shift,
                                            const ZULExpBigIntegerTS& y, bool isYNegated)
 {
     const std::size_t ySize = y.Size();
-    // Room for the longer of the two and a carry, before anything is written.
-    const std::uint64_t low = shift / LimbBits;
-    if (low > MaximumLimbs) {
-        throw std::bad_alloc();
-    }
-    std::uint64_t* const out = MakeRoom(std::max(low + x.Size() + 1, ySize) + 1);
-    SetShiftedLeft(x, shift);
-    const std::size_t xSize = Size();
+    // Room for the longer of the two and a carry.
+    std::uint64_t* const out = MakeRoom(std::max(ShiftedRoom(x.Size(), shift), ySize) + 1);
+    const std::size_t xSize = WriteShifted(out, x.Limbs(), x.Size(), shift);
     const std::size_t common = std::min(xSize, ySize);
     const std::uint64_t* const yLimbs = y.Limbs();
     const bool isXNegative = x.m_SignedSize < 0;

@@ -206,11 +206,12 @@ TEST(ZULExpBigIntegerTS, CopiesAndMovesBetweenInsideAndHeap)
             ZULExpBigIntegerTS moved = FromReference(to);
             moved = std::move(copied);
             EXPECT_TRUE(AreEqual(moved, from));
-            EXPECT_TRUE(copied.IsZero());  // NOLINT(bugprone-use-after-move): zero by contract
+            EXPECT_TRUE(
+                copied.IsZero());  // NOLINT(bugprone-use-after-move,clang-analyzer-cplusplus.Move): zero
             EXPECT_TRUE(AreEqual(copied + moved, from));
             ZULExpBigIntegerTS constructed(std::move(moved));
             EXPECT_TRUE(AreEqual(constructed, from));
-            EXPECT_TRUE(moved.IsZero());  // NOLINT(bugprone-use-after-move)
+            EXPECT_TRUE(moved.IsZero());  // NOLINT(bugprone-use-after-move,clang-analyzer-cplusplus.Move)
             ZULExpBigIntegerTS& same = constructed;
             constructed = same;
             EXPECT_TRUE(AreEqual(constructed, from));

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cfenv>
-#include <cstring>
 #include <type_traits>
 
 #include "ZULExpEnclosureCases.h"
@@ -21,7 +21,7 @@ const double SmallestDenormal = std::numeric_limits<double>::denorm_min();
 
 bool HaveSameBits(double x, double y)
 {
-    return std::memcmp(&x, &y, sizeof x) == 0;
+    return std::bit_cast<std::uint64_t>(x) == std::bit_cast<std::uint64_t>(y);
 }
 
 void ExpectBounds(const ZULExpInterval& x, double lower, double upper)

@@ -37,7 +37,6 @@ double Over(double x, double y)
 
 const double Largest = std::numeric_limits<double>::max();
 const double Smallest = std::numeric_limits<double>::min();
-const double SmallestDenormal = std::numeric_limits<double>::denorm_min();
 
 bool IsRoundingUp()
 {
@@ -71,7 +70,8 @@ TEST(ZULExpFloatStatus, MapsEachFlag)
 TEST(ZULExpFloatStatus, ShowsDenormalOperands)
 {
     const ZULExpFloatScope scope;
-    Plus(SmallestDenormal, SmallestDenormal);
+    const double smallestDenormal = std::numeric_limits<double>::denorm_min();
+    Plus(smallestDenormal, smallestDenormal);
     EXPECT_EQ(_statusfp(), ZULExpFloatDenormal);
     EXPECT_TRUE(scope.IsFaulted());
 }

@@ -109,9 +109,10 @@ TEST(ZULExpInterval, CompoundOperatorsAreTheBinaryOnes)
     ExpectBounds(z *= y, -5.0, 20.0);
     ExpectBounds(z /= ZULExpInterval(-2.0, -1.0), -20.0, 5.0);
     ZULExpInterval own(-1.0, 2.0);
-    ExpectBounds(own *= own, -2.0, 4.0);
-    ExpectBounds(own -= own, -6.0, 6.0);
-    ExpectBounds(own += own, -12.0, 12.0);
+    const ZULExpInterval& same = own;
+    ExpectBounds(own *= same, -2.0, 4.0);
+    ExpectBounds(own -= same, -6.0, 6.0);
+    ExpectBounds(own += same, -12.0, 12.0);
 }
 
 TEST(ZULExpInterval, OverflowReachesInfinityOnOneSideOnly)

@@ -1,16 +1,13 @@
 #include <cmath>
 #include <cstdio>
-#include <memory>
 
-#include "ZULMRSBSPObjectFactory.h"
 #include "ZULMRSBSPPolyhedron.h"
 #include "ZULMRSCuttingSolid.h"
 
 int main()
 {
-    const std::unique_ptr<ZULMRSBSPObjectFactory> factory(ZULMRSCreateObjectFactory(false));
     const ZULMathOBB box(ZULMathOBBBase({1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {1, 2, 3}, {0, 0, 0}));
-    auto* polyhedron = new ZULMRSBSPPolyhedron(box, factory.get());
+    auto* polyhedron = new ZULMRSBSPPolyhedron(box, nullptr);
     const bool isInside = polyhedron->PointIsInside(ZULMathPoint(1.0, 2.0, 3.0)) &&
                           !polyhedron->PointIsInside(ZULMathPoint(1.0, 2.0, 3.0000000000000004));
     polyhedron->Release();

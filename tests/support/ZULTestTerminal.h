@@ -2,8 +2,6 @@
 #define ZULTestTerminal_h
 
 #include <fcntl.h>
-#include <stdlib.h>
-#include <termios.h>
 #include <unistd.h>
 
 #include <array>
@@ -11,28 +9,40 @@
 
 namespace ZULTest
 {
-/// Makes standard error a terminal while it lives.
+/// The descriptor that passes for a terminal; -1: none does.
+inline int& TerminalDescriptor()
+{
+    static int descriptor = -1;
+    return descriptor;
+}
+}  // namespace ZULTest
+
+/// Stands in for the system's own function in the whole test program, shared libraries included: a bare
+/// machine has no pseudo-terminals.
+extern "C" __attribute__((visibility("default"))) int isatty(int descriptor) noexcept
+{
+    return descriptor >= 0 && descriptor == ZULTest::TerminalDescriptor() ? 1 : 0;
+}
+
+namespace ZULTest
+{
+/// Makes standard error pass for a terminal while it lives.
 class TerminalOnStandardError
 {
 public:
-    TerminalOnStandardError() : m_Master(posix_openpt(O_RDWR | O_NOCTTY)), m_Saved(dup(STDERR_FILENO))
+    TerminalOnStandardError() : m_Saved(dup(STDERR_FILENO))
     {
-        if (m_Master >= 0 && grantpt(m_Master) == 0 && unlockpt(m_Master) == 0) {
-            const int terminal = open(ptsname(m_Master), O_RDWR | O_NOCTTY);
-            termios settings{};
-            if (tcgetattr(terminal, &settings) == 0) {
-                settings.c_oflag &= ~static_cast<tcflag_t>(OPOST);  // line feeds as they are
-                tcsetattr(terminal, TCSANOW, &settings);
-            }
-            m_IsGood = terminal >= 0 && dup2(terminal, STDERR_FILENO) == STDERR_FILENO;
-            close(terminal);
-        }
+        m_IsGood = pipe(m_Ends.data()) == 0 && fcntl(m_Ends[0], F_SETFL, O_NONBLOCK) == 0 &&
+                   dup2(m_Ends[1], STDERR_FILENO) == STDERR_FILENO;
+        TerminalDescriptor() = STDERR_FILENO;
     }
     ~TerminalOnStandardError()
     {
+        TerminalDescriptor() = -1;
         dup2(m_Saved, STDERR_FILENO);
         close(m_Saved);
-        close(m_Master);
+        close(m_Ends[0]);
+        close(m_Ends[1]);
     }
     TerminalOnStandardError(const TerminalOnStandardError&) = delete;
     TerminalOnStandardError& operator=(const TerminalOnStandardError&) = delete;
@@ -44,15 +54,14 @@ public:
     {
         std::string text;
         std::array<char, 4096> buffer{};
-        fcntl(m_Master, F_SETFL, O_NONBLOCK);
-        for (ssize_t count = 0; (count = read(m_Master, buffer.data(), buffer.size())) > 0;) {
+        for (ssize_t count = 0; (count = read(m_Ends[0], buffer.data(), buffer.size())) > 0;) {
             text.append(buffer.data(), static_cast<std::size_t>(count));
         }
         return text;
     }
 
 private:
-    int m_Master;
+    std::array<int, 2> m_Ends{-1, -1};
     int m_Saved;
     bool m_IsGood = false;
 };

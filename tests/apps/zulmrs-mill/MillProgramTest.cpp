@@ -1,6 +1,4 @@
 #include <fcntl.h>
-#include <poll.h>
-#include <pty.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -57,9 +55,10 @@ protected:
     void AddLongProgram(const std::string& name)
     {
         std::string text = "G21 G90\nG0 X0 Y0 Z5\n";
-        for (int i = 0; i < 40'000; ++i)
+        for (int i = 0; i < 40'000; ++i) {
             text += "G1 X" + std::to_string(i * 37 % 101) + " Y" + std::to_string(i * 53 % 89) + " Z-" +
                     std::to_string(i * 29 % 19 + 1) + "\n";
+        }
         m_Folder.Add(name, text);
     }
 
@@ -182,8 +181,9 @@ TEST_F(MillProgramTest, AnUnwritableReportLeavesTheOldPart)
 /// Waits until the folder holds more than so many names; false after a minute.
 bool WaitForMoreThan(const MillTestFolder& folder, std::size_t count)
 {
-    for (int i = 0; i < 6000 && folder.List().size() <= count; ++i)
+    for (int i = 0; i < 6000 && folder.List().size() <= count; ++i) {
         usleep(10'000);
+    }
     return folder.List().size() > count;
 }
 
@@ -195,9 +195,10 @@ TEST_F(MillProgramTest, AnInterruptedRunLeavesNothingAndSparesTheOldPart)
         const pid_t child = fork();
         ASSERT_GE(child, 0);
         if (child == 0) {
-            if (chdir(m_Folder.GetPath().c_str()) == 0)
+            if (chdir(m_Folder.GetPath().c_str()) == 0) {
                 execl(ZUL_MILL_PROGRAM, ZUL_MILL_PROGRAM, "p.nc", "--tool", "ball:6", "-o", "p.stl",
                       "--report", "p.json", nullptr);
+            }
             _exit(99);
         }
         // The program, the old part, and what is being written of both outputs.
@@ -210,44 +211,6 @@ TEST_F(MillProgramTest, AnInterruptedRunLeavesNothingAndSparesTheOldPart)
         EXPECT_EQ(m_Folder.List(), (std::vector<std::string>{"p.nc", "p.stl"}));
         EXPECT_EQ(MillReadFile(m_Folder / "p.stl"), "old");
     }
-}
-
-/// What the terminal shows until it shows the text, or until it is closed, or for a minute.
-std::string ReadTerminalUntil(int terminal, const std::string& text)
-{
-    std::string shown;
-    for (int i = 0; i < 600 && shown.find(text) == std::string::npos; ++i) {
-        pollfd ready{terminal, POLLIN, 0};
-        if (poll(&ready, 1, 100) <= 0)
-            continue;
-        std::array<char, 512> buffer;
-        const ssize_t count = read(terminal, buffer.data(), buffer.size());
-        if (count <= 0)
-            break;
-        shown.append(buffer.data(), static_cast<std::size_t>(count));
-    }
-    return shown;
-}
-
-TEST_F(MillProgramTest, ShowsABarWithTheTimeLeftOnATerminal)
-{
-    AddLongProgram("p.nc");
-    int terminal = -1;
-    const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        if (chdir(m_Folder.GetPath().c_str()) == 0)
-            execl(ZUL_MILL_PROGRAM, ZUL_MILL_PROGRAM, "p.nc", "--tool", "ball:6", "-o", "p.stl", nullptr);
-        _exit(99);
-    }
-    const std::string shown = ReadTerminalUntil(terminal, " left");
-    EXPECT_NE(shown.find("\r\033[K["), std::string::npos) << shown;
-    EXPECT_NE(shown.find(" left"), std::string::npos) << shown;
-    kill(child, SIGTERM);
-    close(terminal);
-    int status = 0;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(m_Folder.List(), std::vector<std::string>{"p.nc"});
 }
 
 }  // namespace

@@ -49,10 +49,11 @@ public:
         std::mt19937 random(seed);
         std::uniform_real_distribution<double> within(0.0, 1.0);
         for (std::size_t j = 0; j < m_CountY; ++j) {
-            for (std::size_t i = 0; i < m_CountX; ++i)
+            for (std::size_t i = 0; i < m_CountX; ++i) {
                 m_Columns[j * m_CountX + i] = {min.x + (static_cast<double>(i) + within(random)) * m_StepX,
                                                min.y + (static_cast<double>(j) + within(random)) * m_StepY,
                                                max.z};
+            }
         }
     }
 
@@ -66,8 +67,9 @@ public:
             return std::array<std::size_t, 2>{static_cast<std::size_t>(std::clamp(first, 0.0, most)),
                                               static_cast<std::size_t>(std::clamp(last, 0.0, most))};
         };
-        if (std::min(start.z, end.z) >= m_Max.z)
+        if (std::min(start.z, end.z) >= m_Max.z) {
             return;
+        }
         const auto x = cells(start.x, end.x, m_Min.x, m_StepX, m_CountX);
         const auto y = cells(start.y, end.y, m_Min.y, m_StepY, m_CountY);
         for (std::size_t j = y[0]; j < y[1]; ++j) {
@@ -81,8 +83,9 @@ public:
     double GetVolume() const
     {
         double sum = 0.0;
-        for (const ZULMathPoint& column : m_Columns)
+        for (const ZULMathPoint& column : m_Columns) {
             sum += std::max(column.z - m_Min.z, 0.0);
+        }
         return sum * m_StepX * m_StepY;
     }
 
@@ -121,19 +124,22 @@ private:
         for (const auto& [nx, ny, nz, h] : tool.m_Walls) {
             const double excess = nx * rx + ny * ry - h;
             const double gain = nx * dx + ny * dy;
-            if (gain > 0.0)
+            if (gain > 0.0) {
                 from = std::max(from, excess / gain);
-            else if (gain < 0.0)
+            } else if (gain < 0.0) {
                 to = std::min(to, excess / gain);
-            else if (excess > 0.0)
+            } else if (excess > 0.0) {
                 return HUGE_VAL;
+            }
         }
-        if (from > to)
+        if (from > to) {
             return HUGE_VAL;
+        }
         m_Lines.clear();
-        for (const auto& [nx, ny, nz, h] : tool.m_Lower)
+        for (const auto& [nx, ny, nz, h] : tool.m_Lower) {
             m_Lines.push_back(
                 {(nx * rx + ny * ry - h) / -nz + start.z, (nx * dx + ny * dy) / nz + end.z - start.z});
+        }
         return LowestOfHighest(from, to);
     }
 
@@ -148,18 +154,21 @@ private:
     double LowestOfHighest(double from, double to) const
     {
         Line falling = HighestAt(from);
-        if (falling.m_B >= 0.0)
+        if (falling.m_B >= 0.0) {
             return falling.m_A + falling.m_B * from;
+        }
         Line rising = HighestAt(to);
-        if (rising.m_B <= 0.0)
+        if (rising.m_B <= 0.0) {
             return rising.m_A + rising.m_B * to;
+        }
         for (std::size_t i = 0;; ++i) {
             const double t = (falling.m_A - rising.m_A) / (rising.m_B - falling.m_B);
             const double height = falling.m_A + falling.m_B * t;
             const Line& highest = HighestAt(t);
             const double above = highest.m_A + highest.m_B * t - height;
-            if (above <= 1e-12 || i > m_Lines.size())
+            if (above <= 1e-12 || i > m_Lines.size()) {
                 return height + std::max(above, 0.0);
+            }
             (highest.m_B < 0.0 ? falling : rising) = highest;
         }
     }

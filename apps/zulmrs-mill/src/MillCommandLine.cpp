@@ -62,11 +62,13 @@ void AddOptions(CLI::App& app, Arguments& arguments)
 double ParseChord(const std::string& text)
 {
     double value = 0.0;
-    if (!MillParseNumber(text, value))
+    if (!MillParseNumber(text, value)) {
         throw MillError("--chord", fmt::format("'{}' is not a number", NcPrintable(text)));
-    if (!(value >= kMillSmallestChordTolerance && value <= kMillLargestChordTolerance))
+    }
+    if (!(value >= kMillSmallestChordTolerance && value <= kMillLargestChordTolerance)) {
         throw MillError("--chord", fmt::format("{} is not from {} to {}", NcPrintable(text),
                                                kMillSmallestChordTolerance, kMillLargestChordTolerance));
+    }
     return value;
 }
 
@@ -75,33 +77,39 @@ int ParseSides(const std::string& text)
     int value = 0;
     const char* const end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, value);
-    if (error != std::errc() || stop != end)
+    if (error != std::errc() || stop != end) {
         throw MillError("--sides", fmt::format("'{}' is not a whole number", NcPrintable(text)));
-    if (value < kMillFewestSides || value > kMillMostSides)
+    }
+    if (value < kMillFewestSides || value > kMillMostSides) {
         throw MillError("--sides",
                         fmt::format("{} is not from {} to {}", value, kMillFewestSides, kMillMostSides));
+    }
     return value;
 }
 
 /// True for the first word, false for the second.
 bool ParseChoice(const char* option, const std::string& text, std::string_view first, std::string_view second)
 {
-    if (text != first && text != second)
+    if (text != first && text != second) {
         throw MillError(option, fmt::format("'{}' is neither {} nor {}", NcPrintable(text), first, second));
+    }
     return text == first;
 }
 
 MillConfig ToConfig(const Arguments& arguments)
 {
-    if (arguments.m_Program.empty())
+    if (arguments.m_Program.empty()) {
         throw MillError("PROGRAM", "missing; see --help");
-    if (arguments.m_Output.empty())
+    }
+    if (arguments.m_Output.empty()) {
         throw MillError("-o", "missing: the file to write; see --help");
+    }
     MillConfig config;
     config.m_Program = arguments.m_Program;
     config.m_Stock = MillParseStock(arguments.m_Stock);
-    for (const std::string& tool : arguments.m_Tools)
+    for (const std::string& tool : arguments.m_Tools) {
         config.m_Tools.Add(tool);
+    }
     config.m_Sides = ParseSides(arguments.m_Sides);
     config.m_FlatKind = ParseChoice("--flat", arguments.m_Flat, "circumscribed", "inscribed")
                             ? MillSidesKind::Circumscribed
@@ -122,8 +130,9 @@ MillConfig ToConfig(const Arguments& arguments)
 MillError ToMillError(const std::string& message)
 {
     const std::size_t colon = message.find(": ");
-    if (colon != std::string::npos && message.starts_with('-'))
+    if (colon != std::string::npos && message.starts_with('-')) {
         return {std::string_view(message).substr(0, colon), std::string_view(message).substr(colon + 2)};
+    }
     return {"arguments", message};
 }
 
@@ -146,8 +155,9 @@ MillCommandLine MillParseCommandLine(int argc, const char* const* argv)
     } catch (const CLI::ParseError& error) {
         throw ToMillError(error.what());
     }
-    for (const std::string& extra : app.remaining())
+    for (const std::string& extra : app.remaining()) {
         throw MillError(NcPrintable(extra),
                         extra.starts_with('-') ? "unknown option" : "unexpected argument");
+    }
     return {ToConfig(arguments), ""};
 }

@@ -19,8 +19,8 @@ ZULMathOBB ToBox(const MillBox& box)
                                      {half(sum.m_X), half(sum.m_Y), half(sum.m_Z)}));
 }
 
-/// Leaves as wide as the tool: larger ones collect the cells of many moves, smaller ones cut each sweep into many
-/// pieces and the part into many cells.
+/// Leaves as wide as the tool: larger ones collect the cells of many moves, smaller ones cut each sweep into
+/// many pieces and the part into many cells.
 ZULMRSCuttingOptions OptionsFor(const MillPath& path)
 {
     ZULMRSCuttingOptions options;
@@ -40,8 +40,9 @@ void MillCutter::CutAll(MillProgress& progress)
     const std::size_t total = m_Path.m_Segments.size();
     for (std::size_t i = 0; i < total; ++i) {
         progress.Update(i, total);
-        if (!IsClearOfStock(m_Path.m_Segments[i]))
+        if (!IsClearOfStock(m_Path.m_Segments[i])) {
             Cut(m_Path.m_Segments[i]);
+        }
     }
     progress.Finish();
 }
@@ -62,8 +63,9 @@ void MillCutter::Cut(const MillPathSegment& segment)
     ++m_SweptCount;
     const MillTool& tool = m_Path.m_Tools[segment.m_Tool].m_Tool;
     const bool hasCut = m_Solid.Subtract(MillSweep(tool, segment.m_Start, segment.m_End));
-    if (hasCut && segment.m_IsRapid)
+    if (hasCut && segment.m_IsRapid) {
         m_RapidTouchLines.push_back(segment.m_Line);
+    }
 }
 
 double MillCutter::GetVolume() const
@@ -75,7 +77,8 @@ double MillCutter::GetVolume() const
 ZULMRSSurfaceMesh MillCutter::ExtractSurface() const
 {
     ZULMRSSurfaceMesh mesh = m_Solid.ExtractSurface();
-    for (ZULMathPoint& p : mesh.m_Vertices)
+    for (ZULMathPoint& p : mesh.m_Vertices) {
         p = {p.x / kMillNanometresPerMm, p.y / kMillNanometresPerMm, p.z / kMillNanometresPerMm};
+    }
     return mesh;
 }

@@ -12,10 +12,11 @@ std::string MillOneLine(std::string_view text)
     std::string line;
     for (const char c : text) {
         const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x20 || byte == 0x7f)
+        if (byte < 0x20 || byte == 0x7f) {
             line += fmt::format("\\x{:02x}", byte);
-        else
+        } else {
             line += c;
+        }
     }
     return line;
 }

@@ -37,8 +37,9 @@ public:
           m_MeshFile(m_Config.m_Output),
           m_ReportFile(m_Config.m_Report)
     {
-        if (!m_Config.m_Output.empty() && m_MeshFile.GetTarget() == m_ReportFile.GetTarget())
+        if (!m_Config.m_Output.empty() && m_MeshFile.GetTarget() == m_ReportFile.GetTarget()) {
             throw MillError("--report", "the same file as -o");
+        }
     }
 
     MillResult Run()
@@ -62,8 +63,9 @@ private:
     {
         const PhaseTimer timer(m_Result.m_Seconds.m_Read);
         const bool isToolAssumed = !m_Config.m_Tools.m_Default && m_Config.m_Tools.m_Numbered.empty();
-        if (isToolAssumed)
+        if (isToolAssumed) {
             m_Config.m_Tools.m_Default = kMillAssumedTool;
+        }
         const NcProgram program = ReadNcProgram(m_Config.m_Program, m_Config.m_Reading);
         m_Path = MillMakePath(program, m_Config);
         m_Result.m_Program = m_Config.m_Program;
@@ -73,11 +75,13 @@ private:
         m_Result.m_CuttingMoves = m_Path.m_CuttingMoves;
         m_Result.m_RapidMoves = m_Path.m_RapidMoves;
         m_Result.m_Segments = m_Path.m_Segments.size();
-        for (const MillPathTool& tool : m_Path.m_Tools)
+        for (const MillPathTool& tool : m_Path.m_Tools) {
             m_Result.m_Tools.push_back({tool.m_Number, tool.m_Shape});
+        }
         m_Result.m_Warnings = program.m_warnings;
-        if (isToolAssumed)
+        if (isToolAssumed) {
             m_Result.m_Warnings.push_back({0, "no --tool given: cut with " + kMillAssumedTool.GetText()});
+        }
     }
 
     void Cut(MillCutter& cutter)
@@ -86,14 +90,16 @@ private:
         cutter.CutAll(m_Progress);
         m_Result.m_SweptSegments = cutter.GetSweptCount();
         m_Result.m_RapidTouchLines = cutter.GetRapidTouchLines();
-        for (const int line : m_Result.m_RapidTouchLines)
+        for (const int line : m_Result.m_RapidTouchLines) {
             m_Result.m_Warnings.push_back({line, "rapid move cuts material"});
+        }
         m_Result.m_RemainingVolume = cutter.GetVolume();
         m_Result.m_RemovedVolume = m_Result.m_StockVolume - m_Result.m_RemainingVolume;
         m_Result.m_Cells = cutter.GetNbCells();
         m_Result.m_Faces = cutter.GetNbSurfaceFaces();
-        if (m_Result.m_Cells == 0)
+        if (m_Result.m_Cells == 0) {
             m_Result.m_Warnings.push_back({0, "nothing of the stock is left"});
+        }
     }
 
     void ExtractSurface(const MillCutter& cutter)
@@ -106,8 +112,9 @@ private:
     void WriteMesh()
     {
         const PhaseTimer timer(m_Result.m_Seconds.m_Write);
-        if (m_Config.m_Output.empty())
+        if (m_Config.m_Output.empty()) {
             return;
+        }
         MillWriteMesh(m_Result.m_Mesh, MillMeshFormatOf(m_Config.m_Output), m_MeshFile);
         m_MeshFile.Finish();
     }

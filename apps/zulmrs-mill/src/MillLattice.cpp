@@ -22,8 +22,9 @@ template <class Vector>
 Vector Reduced(const Vector& v)
 {
     const auto factor = GreatestCommonFactor(GreatestCommonFactor(v.m_X, v.m_Y), v.m_Z);
-    if (factor == 0)
+    if (factor == 0) {
         return v;
+    }
     return {v.m_X / factor, v.m_Y / factor, v.m_Z / factor};
 }
 
@@ -63,8 +64,9 @@ bool MillSnap(double mm, std::int64_t& nanometres)
 {
     const double scaled = std::round(mm * kMillNanometresPerMm);
     // Written so that what is not a number fails too.
-    if (!(std::fabs(scaled) <= static_cast<double>(kMillFarthestPlace)))
+    if (!(std::fabs(scaled) <= static_cast<double>(kMillFarthestPlace))) {
         return false;
+    }
     nanometres = static_cast<std::int64_t>(scaled);
     return true;
 }

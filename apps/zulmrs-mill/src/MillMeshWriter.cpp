@@ -24,15 +24,17 @@ public:
     template <class Unsigned>
     void AddUnsigned(Unsigned value)
     {
-        for (std::size_t i = 0; i < sizeof value; ++i)
+        for (std::size_t i = 0; i < sizeof value; ++i) {
             m_Bytes += static_cast<char>(static_cast<unsigned char>(value >> (8 * i)));
+        }
     }
     void Add(float value) { AddUnsigned(std::bit_cast<std::uint32_t>(value)); }
     void Add(double value) { AddUnsigned(std::bit_cast<std::uint64_t>(value)); }
     void Add(const SinglePoint& point)
     {
-        for (const float value : point)
+        for (const float value : point) {
             Add(value);
+        }
     }
     const std::string& Get() const { return m_Bytes; }
     void Clear() { m_Bytes.clear(); }
@@ -60,8 +62,9 @@ std::size_t WriteStl(const ZULMRSSurfaceMesh& mesh, MillOutputFile& file)
 {
     std::vector<SinglePoint> points;
     points.reserve(mesh.m_Vertices.size());
-    for (const ZULMathPoint& p : mesh.m_Vertices)
+    for (const ZULMathPoint& p : mesh.m_Vertices) {
         points.push_back(ToSingle(p));
+    }
     const auto isDegenerate = [&points](const Triangle& t) {
         return points[t[0]] == points[t[1]] || points[t[1]] == points[t[2]] || points[t[2]] == points[t[0]];
     };
@@ -72,11 +75,13 @@ std::size_t WriteStl(const ZULMRSSurfaceMesh& mesh, MillOutputFile& file)
     file.Write(fmt::format("{:80}", "binary STL, millimetres, written by zulmrs-mill"));
     bytes.AddUnsigned(static_cast<std::uint32_t>(count));
     for (const Triangle& t : mesh.m_Triangles) {
-        if (isDegenerate(t))
+        if (isDegenerate(t)) {
             continue;
+        }
         bytes.Add(UnitNormal({mesh.m_Vertices[t[0]], mesh.m_Vertices[t[1]], mesh.m_Vertices[t[2]]}));
-        for (const std::uint32_t corner : t)
+        for (const std::uint32_t corner : t) {
             bytes.Add(points[corner]);
+        }
         bytes.AddUnsigned(std::uint16_t{0});
         file.Write(bytes.Get());
         bytes.Clear();
@@ -88,11 +93,13 @@ std::size_t WriteStl(const ZULMRSSurfaceMesh& mesh, MillOutputFile& file)
 std::size_t WriteObj(const ZULMRSSurfaceMesh& mesh, MillOutputFile& file)
 {
     file.Write("# millimetres, written by zulmrs-mill\n");
-    for (const ZULMathPoint& p : mesh.m_Vertices)
+    for (const ZULMathPoint& p : mesh.m_Vertices) {
         file.Write(fmt::format("v {} {} {}\n", p.x, p.y, p.z));
-    for (const Triangle& t : mesh.m_Triangles)
+    }
+    for (const Triangle& t : mesh.m_Triangles) {
         file.Write(fmt::format("f {} {} {}\n", t[0] + std::uint64_t{1}, t[1] + std::uint64_t{1},
                                t[2] + std::uint64_t{1}));
+    }
     return mesh.m_Triangles.size();
 }
 
@@ -114,14 +121,16 @@ std::size_t WritePly(const ZULMRSSurfaceMesh& mesh, MillOutputFile& file)
         bytes.Clear();
     };
     for (const ZULMathPoint& p : mesh.m_Vertices) {
-        for (const double value : {p.x, p.y, p.z})
+        for (const double value : {p.x, p.y, p.z}) {
             bytes.Add(value);
+        }
         write();
     }
     for (const Triangle& t : mesh.m_Triangles) {
         bytes.AddUnsigned(std::uint8_t{3});
-        for (const std::uint32_t corner : t)
+        for (const std::uint32_t corner : t) {
             bytes.AddUnsigned(corner);
+        }
         write();
     }
     return mesh.m_Triangles.size();
@@ -135,12 +144,15 @@ MillMeshFormat MillMeshFormatOf(const std::string& path)
     std::string ending = dot == std::string::npos ? "" : path.substr(dot + 1);
     std::transform(ending.begin(), ending.end(), ending.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    if (ending == "stl")
+    if (ending == "stl") {
         return MillMeshFormat::Stl;
-    if (ending == "obj")
+    }
+    if (ending == "obj") {
         return MillMeshFormat::Obj;
-    if (ending == "ply")
+    }
+    if (ending == "ply") {
         return MillMeshFormat::Ply;
+    }
     throw MillError("-o", fmt::format("'{}' does not end in .stl, .obj or .ply", path));
 }
 

@@ -33,11 +33,13 @@ MillProgressBar::MillProgressBar(std::FILE* stream)
 
 void MillProgressBar::Update(std::size_t done, std::size_t total)
 {
-    if (!m_IsTerminal)
+    if (!m_IsTerminal) {
         return;
+    }
     const Clock::time_point now = Clock::now();
-    if (now - m_LastDrawn < kRedrawInterval)
+    if (now - m_LastDrawn < kRedrawInterval) {
         return;
+    }
     m_LastDrawn = now;
     m_IsDrawn = true;
     const double elapsed = std::chrono::duration<double>(now - m_Begin).count();
@@ -47,8 +49,9 @@ void MillProgressBar::Update(std::size_t done, std::size_t total)
 
 void MillProgressBar::Finish()
 {
-    if (!m_IsDrawn)
+    if (!m_IsDrawn) {
         return;
+    }
     fmt::print(m_Stream, "{}", kClearLine);
     std::fflush(m_Stream);
     m_IsDrawn = false;

@@ -20,8 +20,9 @@ std::string CountOf(std::size_t count, const char* singular, const char* plural)
 
 std::string ToolText(const MillToolUse& tool)
 {
-    if (tool.m_Number == kNcNoTool)
+    if (tool.m_Number == kNcNoTool) {
         return tool.m_Shape.GetText();
+    }
     return fmt::format("T{} {}", tool.m_Number, tool.m_Shape.GetText());
 }
 
@@ -48,8 +49,9 @@ Json StockJson(const MillBox& box)
 Json WarningsJson(const MillResult& result)
 {
     Json warnings = Json::array();
-    for (const NcWarning& warning : result.m_Warnings)
+    for (const NcWarning& warning : result.m_Warnings) {
         warnings.push_back({{"line", warning.m_line}, {"text", warning.m_text}});
+    }
     return warnings;
 }
 
@@ -97,8 +99,9 @@ std::string MillReportText(const MillConfig& config, const MillResult& result)
 std::string MillSummaryText(const MillConfig& config, const MillResult& result)
 {
     std::string tools;
-    for (const MillToolUse& tool : result.m_Tools)
+    for (const MillToolUse& tool : result.m_Tools) {
         tools += (tools.empty() ? "" : ", ") + ToolText(tool);
+    }
     const MillVector size = result.m_Stock.m_Max - result.m_Stock.m_Min;
 
     std::string text = fmt::format("{}: {} ({} cutting, {} rapid), {}.\n", MillOneLine(result.m_Program),
@@ -107,9 +110,10 @@ std::string MillSummaryText(const MillConfig& config, const MillResult& result)
     text += fmt::format("Stock: {} x {} x {} mm, {:.3f} mm3. Removed {:.3f} mm3, {:.3f} mm3 remain.\n",
                         MillToMm(size.m_X), MillToMm(size.m_Y), MillToMm(size.m_Z), result.m_StockVolume,
                         result.m_RemovedVolume, result.m_RemainingVolume);
-    if (!result.m_RapidTouchLines.empty())
+    if (!result.m_RapidTouchLines.empty()) {
         text += fmt::format("Rapid moves cut material {}.\n",
                             CountOf(result.m_RapidTouchLines.size(), "time", "times"));
+    }
     text += fmt::format("The part has {} and {}; its surface has {} and is {}.\n",
                         CountOf(result.m_Cells, "cell", "cells"), CountOf(result.m_Faces, "face", "faces"),
                         CountOf(result.m_Mesh.m_Triangles.size(), "triangle", "triangles"),
@@ -118,10 +122,12 @@ std::string MillSummaryText(const MillConfig& config, const MillResult& result)
     text +=
         fmt::format("Took {:.2f} s: reading {:.2f}, cutting {:.2f}, surface {:.2f}, writing {:.2f}.\n",
                     seconds.GetTotal(), seconds.m_Read, seconds.m_Cut, seconds.m_Surface, seconds.m_Write);
-    if (!config.m_Output.empty())
+    if (!config.m_Output.empty()) {
         text += fmt::format("Written: {}\n", MillOneLine(config.m_Output));
-    if (!config.m_Report.empty())
+    }
+    if (!config.m_Report.empty()) {
         text += fmt::format("Report: {}\n", MillOneLine(config.m_Report));
+    }
     return text;
 }
 

@@ -27,10 +27,12 @@ public:
 
     ZULMRSConvexTool Sweep()
     {
-        for (const MillTool::Facet& facet : m_Tool.GetFacets())
+        for (const MillTool::Facet& facet : m_Tool.GetFacets()) {
             AddFacet(facet);
-        for (const MillTool::Edge& edge : m_Tool.GetEdges())
+        }
+        for (const MillTool::Edge& edge : m_Tool.GetEdges()) {
             AddSilhouette(edge);
+        }
         return std::move(m_Solid);
     }
 
@@ -51,11 +53,13 @@ private:
     void AddSilhouette(const MillTool::Edge& edge)
     {
         const int left = Side(edge.m_Left);
-        if (left * Side(edge.m_Right) >= 0)
+        if (left * Side(edge.m_Right) >= 0) {
             return;
+        }
         MillNormal normal = MillPrimitive(MillCross(edge.m_Direction, m_Direction));
-        if (left < 0)
+        if (left < 0) {
             normal = {-normal.m_X, -normal.m_Y, -normal.m_Z};
+        }
         Add(normal, MillDot(normal, edge.m_Point) + MillDot(normal, m_Start));
     }
 
@@ -63,9 +67,10 @@ private:
     {
         const std::array<double, 3> n{static_cast<double>(normal.m_X), static_cast<double>(normal.m_Y),
                                       static_cast<double>(normal.m_Z)};
-        if (!FitsDouble(normal.m_X) || !FitsDouble(normal.m_Y) || !FitsDouble(normal.m_Z))
+        if (!FitsDouble(normal.m_X) || !FitsDouble(normal.m_Y) || !FitsDouble(normal.m_Z)) {
             height = GetSupport(
                 {static_cast<MillWide>(n[0]), static_cast<MillWide>(n[1]), static_cast<MillWide>(n[2])});
+        }
         // Not the negated double of the height: that could be a negative zero.
         m_Solid.m_HalfSpaces.push_back({n[0], n[1], n[2], static_cast<double>(-height)});
     }
@@ -73,8 +78,9 @@ private:
     MillWide GetSupport(const MillNormal& normal) const
     {
         MillWide support = MillDot(normal, m_Tool.GetVertices().front());
-        for (const MillVector& v : m_Tool.GetVertices())
+        for (const MillVector& v : m_Tool.GetVertices()) {
             support = std::max(support, MillDot(normal, v));
+        }
         return support + std::max(MillDot(normal, m_Start), MillDot(normal, m_End));
     }
 

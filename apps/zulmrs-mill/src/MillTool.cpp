@@ -51,18 +51,21 @@ void MillTool::AddVertices(const MillToolProfile& profile)
     const RingStack stack{profile};
     for (std::size_t ring = 0; ring < stack.GetLevels(); ++ring) {
         const bool isTip = profile.m_Rings[ring].m_Factor == 0;
-        for (std::size_t j = 0; j < (isTip ? 1 : stack.GetSides()); ++j)
+        for (std::size_t j = 0; j < (isTip ? 1 : stack.GetSides()); ++j) {
             m_Vertices.push_back(stack.Corner(ring, j));
+        }
     }
-    for (const MillVector& v : m_Vertices)
+    for (const MillVector& v : m_Vertices) {
         m_Reach = std::max({m_Reach, std::abs(v.m_X), std::abs(v.m_Y)});
+    }
 }
 
 void MillTool::AddFacets(const MillToolProfile& profile)
 {
     const RingStack stack{profile};
-    if (stack.HasBottom())
+    if (stack.HasBottom()) {
         m_Facets.push_back({{0, 0, -1}, 0});
+    }
     for (std::size_t level = 0; level < stack.GetLevels(); ++level) {
         for (std::size_t j = 0; j < stack.GetSides(); ++j) {
             const MillNormal normal = MillPrimitive(MillCross(stack.Along(j), stack.Up(level, j)));

@@ -62,8 +62,9 @@ std::vector<MillVector> SymmetricPolygon(std::int64_t radius, int sides, MillSid
     for (int turn = 0; turn < 4; ++turn) {
         for (int j = 0; j < quarter; ++j) {
             MillVector v{x[static_cast<std::size_t>(j)], x[static_cast<std::size_t>(quarter - 1 - j)], 0};
-            for (int i = 0; i < turn; ++i)
+            for (int i = 0; i < turn; ++i) {
                 v = {-v.m_Y, v.m_X, 0};
+            }
             polygon.push_back(v);
         }
     }
@@ -95,8 +96,9 @@ bool IsConvex(const std::vector<MillVector>& polygon)
     const std::size_t n = polygon.size();
     for (std::size_t j = 0; j < n; ++j) {
         const MillVector& b = polygon[(j + 1) % n];
-        if (MillCross(b - polygon[j], polygon[(j + 2) % n] - b).m_Z <= 0)
+        if (MillCross(b - polygon[j], polygon[(j + 2) % n] - b).m_Z <= 0) {
             return false;
+        }
     }
     return true;
 }
@@ -106,13 +108,16 @@ bool IsConvex(const std::vector<MillToolProfile::Ring>& rings)
 {
     for (std::size_t k = 1; k < rings.size(); ++k) {
         const MillVector step{rings[k].m_Factor - rings[k - 1].m_Factor, rings[k].m_Z - rings[k - 1].m_Z, 0};
-        if (step.m_X <= 0 || step.m_Y <= 0)
+        if (step.m_X <= 0 || step.m_Y <= 0) {
             return false;
-        if (k + 1 == rings.size())
+        }
+        if (k + 1 == rings.size()) {
             break;
+        }
         const MillVector next{rings[k + 1].m_Factor - rings[k].m_Factor, rings[k + 1].m_Z - rings[k].m_Z, 0};
-        if (MillCross(step, next).m_Z <= 0)
+        if (MillCross(step, next).m_Z <= 0) {
             return false;
+        }
     }
     return true;
 }
@@ -182,8 +187,9 @@ MillToolProfile MillMakeToolProfile(const MillShape& shape, int sides, MillSides
         // A small ball makes do with fewer facets along its profile.
         for (int ringCount = std::clamp(sides / 4, 2, kMostBallRings); ringCount >= 2; --ringCount) {
             MillToolProfile profile = MakeProfile(shape, radius, sides, kind, ringCount);
-            if (IsConvex(profile.m_Polygon) && IsConvex(profile.m_Rings))
+            if (IsConvex(profile.m_Polygon) && IsConvex(profile.m_Rings)) {
                 return profile;
+            }
         }
     }
     throw MillError(subject, fmt::format("'{}': too small for {} sides", shape.GetText(), sides));

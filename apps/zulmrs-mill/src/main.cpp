@@ -42,13 +42,15 @@ int Run(int argc, char** argv)
         return 0;
     }
     const MillConfig& config = *commandLine.m_Config;
-    if (config.m_IsVerbose)
+    if (config.m_IsVerbose) {
         ZULKLOOutput::Redirect(nullptr);
+    }
     MillRemoveOutputsOnSignals();
     MillProgressBar progress(stderr);
     const MillResult result = MillJob(config).Run(progress);
-    for (const std::string& warning : MillWarningLines(result))
+    for (const std::string& warning : MillWarningLines(result)) {
         fmt::print(stderr, "zulmrs-mill: {}\n", warning);
+    }
     fmt::print("{}", MillSummaryText(config, result));
     return result.m_IsClosed ? 0 : kFailure;
 }

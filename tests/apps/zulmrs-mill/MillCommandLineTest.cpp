@@ -79,8 +79,9 @@ TEST(MillCommandLine, HelpNamesEveryOption)
     EXPECT_FALSE(line.m_Config.has_value());
     for (const char* option : {"PROGRAM", "--stock", "--tool", "--sides", "--flat", "--units", "--chord",
                                "-o", "--output", "--report", "--run-deleted", "--joined", "--verbose",
-                               "--version", "flat:D", "ball:D", "vee:D:ANGLE", "auto:MARGIN"})
+                               "--version", "flat:D", "ball:D", "vee:D:ANGLE", "auto:MARGIN"}) {
         EXPECT_NE(line.m_Text.find(option), std::string::npos) << option;
+    }
 }
 
 TEST(MillCommandLine, TellsItsVersion)

@@ -17,8 +17,9 @@ std::string ToolComplaint(const std::vector<std::string>& texts)
 {
     MillToolTable table;
     return MillComplaint<MillError>([&] {
-        for (const std::string& text : texts)
+        for (const std::string& text : texts) {
             table.Add(text);
+        }
     });
 }
 

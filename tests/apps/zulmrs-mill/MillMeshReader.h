@@ -117,10 +117,12 @@ inline ZULMRSSurfaceMesh MillReadOff(const std::string& text)
         std::size_t corners = 0;
         words >> corners;
         std::vector<std::uint32_t> loop(corners);
-        for (std::uint32_t& corner : loop)
+        for (std::uint32_t& corner : loop) {
             words >> corner;
-        for (std::size_t k = 2; k < corners; ++k)
+        }
+        for (std::size_t k = 2; k < corners; ++k) {
             mesh.m_Triangles.push_back({loop[0], loop[k - 1], loop[k]});
+        }
     }
     return mesh;
 }

@@ -38,9 +38,10 @@ TEST(MillMeshWriter, KnowsFormatsByTheirEndings)
     EXPECT_EQ(MillMeshFormatOf("/x.obj/A.STL"), MillMeshFormat::Stl);
     EXPECT_EQ(MillMeshFormatOf("a.b.Obj"), MillMeshFormat::Obj);
     EXPECT_EQ(MillMeshFormatOf(".ply"), MillMeshFormat::Ply);
-    for (const std::string path : {"a", "a.stlx", "a.stl.gz", "stl", "a."})
+    for (const std::string path : {"a", "a.stlx", "a.stl.gz", "stl", "a."}) {
         EXPECT_EQ(MillComplaint<MillError>([&] { MillMeshFormatOf(path); }),
                   "-o: '" + path + "' does not end in .stl, .obj or .ply");
+    }
 }
 
 TEST(MillMeshWriter, WritesStl)

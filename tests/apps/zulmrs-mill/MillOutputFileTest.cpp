@@ -122,8 +122,9 @@ TEST(MillOutputFile, KnowsAtOnceWhereNothingCanBeWritten)
 [[noreturn]] void WriteWhatIsProtected(const MillTestFolder& folder)
 {
     constexpr unsigned kNobody = 65534;
-    if (geteuid() == 0 && (setgid(kNobody) != 0 || setuid(kNobody) != 0))
+    if (geteuid() == 0 && (setgid(kNobody) != 0 || setuid(kNobody) != 0)) {
         _exit(1);
+    }
     const auto isDenied = [&folder](const char* name) {
         return Complaint(folder / name) == folder / name + ": cannot be written: Permission denied";
     };

@@ -18,8 +18,9 @@ NcProgram Parse(const std::string& text)
 MillConfig WithTools(const std::vector<std::string>& tools)
 {
     MillConfig config;
-    for (const std::string& tool : tools)
+    for (const std::string& tool : tools) {
         config.m_Tools.Add(tool);
+    }
     return config;
 }
 
@@ -143,8 +144,9 @@ TEST(MillPath, RefusesTooManyChords)
 TEST(MillPath, LeavesOutMovesInMachineCoordinates)
 {
     const MillPath path = Path("G21 G90\nG1 X1 Y1 Z-1\nG53 G0 Z0\nG0 X5 Y5\nG0 Z-1\n");
-    for (const MillPathSegment& segment : path.m_Segments)
+    for (const MillPathSegment& segment : path.m_Segments) {
         EXPECT_NE(segment.m_Line, 3);
+    }
 }
 
 TEST(MillStock, IsTheBoxThatIsGiven)

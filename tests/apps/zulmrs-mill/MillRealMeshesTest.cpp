@@ -70,8 +70,9 @@ ZULMRSConvexTool ToolOf(const ZULMRSSurfaceMesh& mesh, double orientation)
                                       orientation * (u.z * v.x - u.x * v.z),
                                       orientation * (u.x * v.y - u.y * v.x)};
         double height = -HUGE_VAL;
-        for (const ZULMathPoint& p : mesh.m_Vertices)
+        for (const ZULMathPoint& p : mesh.m_Vertices) {
             height = std::max(height, n[0] * p.x + n[1] * p.y + n[2] * p.z);
+        }
         tool.m_HalfSpaces.push_back({n[0], n[1], n[2], -height});
     }
     return tool;
@@ -107,8 +108,9 @@ TEST(MillRealMeshes, ConvexOnesCutTheirVolumeOutOfABox)
     int convex = 0;
     for (const RealMesh& mesh : ReadAll()) {
         // A tetrahedron is convex whichever way it is turned.
-        if (!mesh.m_IsConvex && mesh.m_Mesh.m_Vertices.size() != 4)
+        if (!mesh.m_IsConvex && mesh.m_Mesh.m_Vertices.size() != 4) {
             continue;
+        }
         ++convex;
         SCOPED_TRACE(mesh.m_File);
         const double expected = std::fabs(mesh.m_SignedVolume.get_d());
@@ -141,8 +143,9 @@ TEST(MillRealMeshes, FacetsOfAPartSplitABlockWithoutLoss)
         const ZULMRSConvexTool planes = ToolOf(mesh.m_Mesh, 1.0);
         // Coplanar facets give nearly equal planes: cells thinner than any double can tell.
         const std::size_t count = std::min<std::size_t>(planes.m_HalfSpaces.size(), 24);
-        for (std::size_t i = 0; i < count; ++i)
+        for (std::size_t i = 0; i < count; ++i) {
             block.Split(planes.m_HalfSpaces[i]);
+        }
         EXPECT_GT(block.GetNbCells(), 4U);
         EXPECT_NEAR(block.GetVolume(), volume, 1e-9 * volume);
         EXPECT_TRUE(ZULMRSCheckCells(block.GetCells()).IsValid());

@@ -75,8 +75,9 @@ protected:
         config.m_Reading.m_defaultUnits = program.m_Units;
         config.m_ChordTolerance = 0.02;
         config.m_Sides = 12;
-        for (const std::string& tool : program.m_Tools)
+        for (const std::string& tool : program.m_Tools) {
             config.m_Tools.Add(tool);
+        }
         return config;
     }
 
@@ -89,12 +90,14 @@ protected:
         ZULVoxelMill count(corner(stock.m_Min), corner(stock.m_Max), columns);
         for (const NcMove& move : ReadNcProgram(config.m_Program, config.m_Reading).m_moves) {
             const MillShape* const shape = config.m_Tools.Find(move.m_tool);
-            if (!move.m_mayCut || shape == nullptr)
+            if (!move.m_mayCut || shape == nullptr) {
                 continue;
+            }
             const ZULVoxelTool tool = MillVoxelTool(MillMakeTool(*shape, config.m_Sides));
             const std::vector<ZULMathPoint> points = FlattenArc(move, config.m_ChordTolerance);
-            for (std::size_t i = 1; i < points.size(); ++i)
+            for (std::size_t i = 1; i < points.size(); ++i) {
                 count.Sweep(tool, points[i - 1], points[i]);
+            }
         }
         return count;
     }
@@ -103,8 +106,9 @@ protected:
 TEST_P(MillRealPrograms, GiveAClosedPartOfTheCountedVolume)
 {
 #ifdef ZUL_UNDER_SANITIZER
-    if (!GetParam().m_IsShort)
+    if (!GetParam().m_IsShort) {
         GTEST_SKIP() << "too long for a run with sanitizers";
+    }
 #endif
     const MillTestFolder folder;
     MillConfig config = ConfigOf(GetParam());

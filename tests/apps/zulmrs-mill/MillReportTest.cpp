@@ -109,8 +109,9 @@ TEST(MillProgress, WritesNothingToAFile)
     std::FILE* const file = std::tmpfile();
     ASSERT_NE(file, nullptr);
     MillProgressBar bar(file);
-    for (std::size_t i = 0; i < 1000; ++i)
+    for (std::size_t i = 0; i < 1000; ++i) {
         bar.Update(i, 1000);
+    }
     bar.Finish();
     EXPECT_EQ(std::ftell(file), 0);
     std::fclose(file);

@@ -29,16 +29,18 @@ TEST(MillShape, ReadsEveryKind)
 
 TEST(MillShape, GivesBackItsText)
 {
-    for (const char* text : {"flat:6", "ball:0.5", "vee:3.175:60.5"})
+    for (const char* text : {"flat:6", "ball:0.5", "vee:3.175:60.5"}) {
         EXPECT_EQ(MillParseShape(text, "--tool").GetText(), text);
+    }
 }
 
 TEST(MillShape, RefusesWhatIsNoTool)
 {
     constexpr const char* kAre = " is not a tool: flat:D, ball:D or vee:D:ANGLE are";
     for (const std::string text :
-         {"", "flat", "Flat:6", "flat:6:7", "ball:6:7", "vee:6", "vee:6:60:1", "drill:3"})
+         {"", "flat", "Flat:6", "flat:6:7", "ball:6:7", "vee:6", "vee:6:60:1", "drill:3"}) {
         EXPECT_EQ(Complaint(text), "--tool: '" + text + "'" + kAre);
+    }
     EXPECT_EQ(Complaint("flat:"), "--tool: 'flat:': the diameter '' is not a number");
     EXPECT_EQ(Complaint("flat:6mm"), "--tool: 'flat:6mm': the diameter '6mm' is not a number");
     EXPECT_EQ(Complaint("flat:nan"), "--tool: 'flat:nan': the diameter 'nan' is not a number");
@@ -53,9 +55,10 @@ TEST(MillShape, RefusesSizesThatNoToolHas)
     EXPECT_EQ(Complaint("flat:0"), "--tool: 'flat:0': a tool of no size");
     EXPECT_EQ(Complaint("ball:-3"), "--tool: 'ball:-3': a tool of no size");
     EXPECT_EQ(Complaint("flat:1000.1"), "--tool: 'flat:1000.1': the diameter is more than 1000 mm");
-    for (const std::string angle : {"0", "4.9", "175.1", "180", "-60"})
+    for (const std::string angle : {"0", "4.9", "175.1", "180", "-60"}) {
         EXPECT_EQ(Complaint("vee:6:" + angle),
                   "--tool: 'vee:6:" + angle + "': the angle is not from 5 to 175 degrees");
+    }
     EXPECT_EQ(Complaint("vee:6:5"), "nothing");
     EXPECT_EQ(Complaint("vee:6:175"), "nothing");
 }

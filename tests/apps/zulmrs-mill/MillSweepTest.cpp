@@ -24,8 +24,9 @@ MillVector AtMm(double x, double y, double z)
 std::vector<MillTool> Tools()
 {
     std::vector<MillTool> tools;
-    for (const char* text : {"flat:6", "flat:3.175", "ball:4", "vee:6:60", "vee:3:90"})
+    for (const char* text : {"flat:6", "flat:3.175", "ball:4", "vee:6:60", "vee:3:90"}) {
         tools.push_back(MillMakeTool(MillParseShape(text, "--tool"), 16));
+    }
     tools.push_back(MillMakeTool(MillParseShape("flat:5", "--tool"), 7));
     return tools;
 }
@@ -40,8 +41,9 @@ std::array<std::uint64_t, 4> Bits(const HalfSpace& h)
 std::set<std::array<std::uint64_t, 4>> PlanesOf(const ZULMRSConvexTool& solid)
 {
     std::set<std::array<std::uint64_t, 4>> planes;
-    for (const HalfSpace& h : solid.m_HalfSpaces)
+    for (const HalfSpace& h : solid.m_HalfSpaces) {
         planes.insert(Bits(h));
+    }
     return planes;
 }
 
@@ -85,10 +87,11 @@ double ExcessByTrisection(const MillTool& tool, const MillVector& start, const M
     long double high = 1.0L;
     for (int i = 0; i < 70; ++i) {
         const long double third = (high - low) / 3.0L;
-        if (excessAt(low + third) < excessAt(high - third))
+        if (excessAt(low + third) < excessAt(high - third)) {
             high -= third;
-        else
+        } else {
             low += third;
+        }
     }
     return static_cast<double>(excessAt((low + high) / 2.0L));
 }
@@ -110,14 +113,15 @@ public:
     {
         MillVector to = Place(decimals);
         const auto kind = Pick(8);
-        if (kind == 0)
+        if (kind == 0) {
             to.m_Z = from.m_Z;
-        else if (kind == 1)
+        } else if (kind == 1) {
             to = {from.m_X, from.m_Y, to.m_Z};
-        else if (kind == 2)
+        } else if (kind == 2) {
             to = {to.m_X, from.m_Y, from.m_Z};
-        else if (kind == 3)
+        } else if (kind == 3) {
             to = from;
+        }
         return to;
     }
     std::uint32_t Pick(std::uint32_t n) { return static_cast<std::uint32_t>(m_Random() % n); }
@@ -152,8 +156,9 @@ TEST(MillSweep, ContainsExactlyThePointsThatTheToolPasses)
             const MillVector p = ways.Near(start, end, 1.3 * static_cast<double>(tool.GetReach()));
             const double expected = ExcessByTrisection(tool, start, end, p);
             // Nearer to the surface than a thousandth of a nanometre anything may be said.
-            if (std::fabs(expected) < 1e-3)
+            if (std::fabs(expected) < 1e-3) {
                 continue;
+            }
             ++(expected < 0.0 ? inside : outside);
             ASSERT_EQ(Excess(solid, p) < 0.0, expected < 0.0) << "distance " << expected << " nm";
         }
@@ -172,11 +177,12 @@ TEST(MillSweep, EveryPlaneTouchesTheSweptCorners)
             for (const HalfSpace& h : MillSweep(tool, start, end).m_HalfSpaces) {
                 long double support = -HUGE_VALL;
                 for (const MillVector& v : tool.GetVertices()) {
-                    for (const MillVector& at : {v + start, v + end})
+                    for (const MillVector& at : {v + start, v + end}) {
                         support = std::max(
                             support, static_cast<long double>(h[0]) * static_cast<long double>(at.m_X) +
                                          static_cast<long double>(h[1]) * static_cast<long double>(at.m_Y) +
                                          static_cast<long double>(h[2]) * static_cast<long double>(at.m_Z));
+                    }
                 }
                 // The rounding of one offset, whatever the normal.
                 EXPECT_NEAR(static_cast<double>(support + h[3]), 0.0, std::fabs(h[3]) * 0x1p-52);
@@ -200,8 +206,9 @@ TEST(MillSweep, MovesOfProgramsGiveExactPlanes)
             const MillNormal n{static_cast<MillWide>(h[0]), static_cast<MillWide>(h[1]),
                                static_cast<MillWide>(h[2])};
             for (const MillVector& v : tool.GetVertices()) {
-                for (const MillVector& at : {v + start, v + end})
+                for (const MillVector& at : {v + start, v + end}) {
                     touches = touches || MillDot(n, at) + static_cast<MillWide>(h[3]) == 0;
+                }
             }
             EXPECT_TRUE(touches);
         }
@@ -214,8 +221,9 @@ TEST(MillSweep, BottomsOfMovesAtOneHeightAreOnePlane)
     const MillTool ball = MillMakeTool({MillShapeKind::Ball, 3.0, 0.0}, 16);
     const auto bottom = [](const ZULMRSConvexTool& solid) {
         for (const HalfSpace& h : solid.m_HalfSpaces) {
-            if (h[0] == 0.0 && h[1] == 0.0)
+            if (h[0] == 0.0 && h[1] == 0.0) {
                 return Bits(h);
+            }
         }
         return Bits({});
     };
@@ -239,16 +247,18 @@ TEST(MillSweep, CollinearMovesShareTheirWalls)
         std::set<std::array<std::uint64_t, 4>> silhouette;
         for (const HalfSpace& h : MillSweep(tool, line[0], line[3]).m_HalfSpaces) {
             const double gain = h[0] * 1.0 + h[1] * 3.0 + h[2] * -2.0;
-            if (gain == 0.0)
+            if (gain == 0.0) {
                 silhouette.insert(Bits(h));
+            }
         }
         ASSERT_GE(silhouette.size(), 2U);
         for (std::size_t i = 0; i + 1 < line.size(); ++i) {
             for (const bool isReversed : {false, true}) {
                 const auto planes = PlanesOf(isReversed ? MillSweep(tool, line[i + 1], line[i])
                                                         : MillSweep(tool, line[i], line[i + 1]));
-                for (const auto& plane : silhouette)
+                for (const auto& plane : silhouette) {
                     EXPECT_TRUE(planes.contains(plane)) << "part " << i << (isReversed ? " reversed" : "");
+                }
             }
         }
     }
@@ -267,8 +277,9 @@ TEST(MillSweep, AMoveAndTheNextShareTheFacetsOfTheToolBetween)
             for (const MillTool::Facet& f : tool.GetFacets()) {
                 const bool isAtEnd = MillDot(f.m_Normal, b - a) >= 0;
                 const bool isAtStart = MillDot(f.m_Normal, c - b) <= 0;
-                if (!isAtEnd || !isAtStart)
+                if (!isAtEnd || !isAtStart) {
                     continue;
+                }
                 const auto at =
                     Bits({static_cast<double>(f.m_Normal.m_X), static_cast<double>(f.m_Normal.m_Y),
                           static_cast<double>(f.m_Normal.m_Z),
@@ -308,14 +319,16 @@ TEST(MillSweep, HasNoNegativeZeros)
         for (int i = 0; i < 50; ++i) {
             const MillVector a = ways.Place(2);
             for (const HalfSpace& h : MillSweep(tool, a, ways.Next(a, 2)).m_HalfSpaces) {
-                for (const double value : h)
+                for (const double value : h) {
                     EXPECT_FALSE(value == 0.0 && std::signbit(value));
+                }
             }
         }
     }
     const MillTool flat = MillMakeTool({MillShapeKind::Flat, 6.0, 0.0}, 16);
-    for (const HalfSpace& h : MillSweep(flat, AtMm(3, 3, 0), AtMm(-3, 3, 0)).m_HalfSpaces)
+    for (const HalfSpace& h : MillSweep(flat, AtMm(3, 3, 0), AtMm(-3, 3, 0)).m_HalfSpaces) {
         EXPECT_FALSE(h[3] == 0.0 && std::signbit(h[3]));
+    }
 }
 
 TEST(MillSweep, LongNormalsStillContainTheSweptTool)
@@ -326,8 +339,9 @@ TEST(MillSweep, LongNormalsStillContainTheSweptTool)
     const MillVector end{15'999'999'998, 15'999'999'997, -15'999'999'991};
     const ZULMRSConvexTool solid = MillSweep(tool, start, end);
     bool isLong = false;
-    for (const HalfSpace& h : solid.m_HalfSpaces)
+    for (const HalfSpace& h : solid.m_HalfSpaces) {
         isLong = isLong || std::fabs(h[0]) > 0x1p53 || std::fabs(h[1]) > 0x1p53;
+    }
     EXPECT_TRUE(isLong);
     for (const MillVector& v : tool.GetVertices()) {
         EXPECT_LE(Excess(solid, v + start), 1e-4);

@@ -23,8 +23,9 @@ public:
     MillTestFolder()
     {
         std::string name = (std::filesystem::temp_directory_path() / "zulmrs-mill-test-XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr)
+        if (mkdtemp(name.data()) == nullptr) {
             ADD_FAILURE() << "no temporary folder";
+        }
         m_Path = name;
     }
     ~MillTestFolder()
@@ -48,8 +49,9 @@ public:
     std::vector<std::string> List() const
     {
         std::vector<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(m_Path))
+        for (const auto& entry : std::filesystem::directory_iterator(m_Path)) {
             names.push_back(entry.path().filename().string());
+        }
         std::sort(names.begin(), names.end());
         return names;
     }
@@ -87,11 +89,12 @@ inline MillTool MillMakeTool(const MillShape& shape, int sides,
 inline ZULVoxelTool MillVoxelTool(const MillTool& tool)
 {
     ZULVoxelTool voxelTool;
-    for (const MillTool::Facet& facet : tool.GetFacets())
+    for (const MillTool::Facet& facet : tool.GetFacets()) {
         voxelTool.AddHalfSpace(static_cast<double>(facet.m_Normal.m_X),
                                static_cast<double>(facet.m_Normal.m_Y),
                                static_cast<double>(facet.m_Normal.m_Z),
                                static_cast<double>(facet.m_Height) / kMillNanometresPerMm);
+    }
     voxelTool.m_Reach = MillToMm(tool.GetReach());
     return voxelTool;
 }

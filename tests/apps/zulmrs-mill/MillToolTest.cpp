@@ -20,8 +20,9 @@ std::vector<MillShape> Shapes()
     for (const double diameter : {0.2, 1.0, 1.5875, 3.175, 6.0, 12.7, 25.4001, 80.0}) {
         shapes.push_back({MillShapeKind::Flat, diameter, 0.0});
         shapes.push_back({MillShapeKind::Ball, diameter, 0.0});
-        for (const double angle : {10.0, 60.0, 90.0, 118.0, 170.0})
+        for (const double angle : {10.0, 60.0, 90.0, 118.0, 170.0}) {
             shapes.push_back({MillShapeKind::Vee, diameter, angle});
+        }
     }
     return shapes;
 }
@@ -95,8 +96,9 @@ TEST(MillTool, HasEdgesBetweenTheFacetsThatTheyName)
             ++edgesOfFacet[edge.m_Right];
         }
         EXPECT_EQ(edgesOfFacet.size(), tool.GetFacets().size());
-        for (const auto& [facet, edges] : edgesOfFacet)
+        for (const auto& [facet, edges] : edgesOfFacet) {
             EXPECT_GE(edges, 3);
+        }
         // Euler, with the missing upper end as one facet more and its corners and edges.
         const auto count = [](std::size_t n) { return static_cast<long>(n); };
         const long sides = std::count_if(tool.GetFacets().begin(), tool.GetFacets().end(),
@@ -131,8 +133,9 @@ TEST(MillTool, IsNoWiderThanItsSidesAsk)
     ForAllTools([](const MillShape& shape, int sides, const MillTool& tool) {
         const double radius = shape.m_Diameter / 2.0;
         const double corner = radius / std::cos(kPi / sides);
-        for (const MillVector& v : tool.GetVertices())
+        for (const MillVector& v : tool.GetVertices()) {
             EXPECT_LE(std::hypot(MillToMm(v.m_X), MillToMm(v.m_Y)), corner * 1.006);
+        }
         EXPECT_GE(MillToMm(tool.GetReach()), corner * std::cos(kPi / sides) * 0.999);
     });
 }
@@ -165,8 +168,9 @@ TEST(MillTool, InscribedFlatToolLiesWithinTheCircle)
             const MillTool tool =
                 MillMakeTool({MillShapeKind::Flat, diameter, 0.0}, sides, MillSidesKind::Inscribed);
             double widest = 0.0;
-            for (const MillVector& v : tool.GetVertices())
+            for (const MillVector& v : tool.GetVertices()) {
                 widest = std::max(widest, std::hypot(MillToMm(v.m_X), MillToMm(v.m_Y)));
+            }
             EXPECT_LE(widest, diameter / 2.0 + 0.6e-6);
             EXPECT_GE(widest, diameter / 2.0 * 0.994);
         }
@@ -179,8 +183,9 @@ TEST(MillTool, FlatToolHasOneBottomAtTheTip)
     EXPECT_EQ(tool.GetFacets().size(), 17U);
     EXPECT_TRUE((tool.GetFacets()[0].m_Normal == MillNormal{0, 0, -1}));
     EXPECT_TRUE(tool.GetFacets()[0].m_Height == 0);
-    for (const MillVector& v : tool.GetVertices())
+    for (const MillVector& v : tool.GetVertices()) {
         EXPECT_EQ(v.m_Z, 0);
+    }
 }
 
 TEST(MillTool, BallTouchesTheTipAndItsShankRisesFromBelowTheCentre)
@@ -191,8 +196,9 @@ TEST(MillTool, BallTouchesTheTipAndItsShankRisesFromBelowTheCentre)
     EXPECT_TRUE((tool.GetFacets()[0].m_Normal == MillNormal{0, 0, -1}));
     EXPECT_TRUE(tool.GetFacets()[0].m_Height == 0);
     std::int64_t highest = 0;
-    for (const MillVector& v : tool.GetVertices())
+    for (const MillVector& v : tool.GetVertices()) {
         highest = std::max(highest, v.m_Z);
+    }
     EXPECT_NEAR(MillToMm(highest), 3.0 - 3.0 * std::tan(kPi / 16.0), 0.01);
 }
 
@@ -201,8 +207,9 @@ TEST(MillTool, VeeToolHasTheAngleAndHeightOfItsCone)
     for (const double angle : {10.0, 60.0, 90.0, 118.0, 170.0}) {
         const MillTool tool = MillMakeTool({MillShapeKind::Vee, 6.0, angle}, 16);
         std::int64_t highest = 0;
-        for (const MillVector& v : tool.GetVertices())
+        for (const MillVector& v : tool.GetVertices()) {
             highest = std::max(highest, v.m_Z);
+        }
         EXPECT_NEAR(MillToMm(highest), 3.0 / std::tan(angle * kPi / 360.0), 3.0 / 400.0);
         EXPECT_TRUE((tool.GetVertices().front() == MillVector{0, 0, 0}));
     }

@@ -38,7 +38,7 @@ ZULMRSBSPPoint* ZULMRSEdgePoints::Create(ZULMRSBSPPlane* supporting, ZULMRSBSPPl
     // Owners of a new point: the factory and this call. Any more and its entry is already kept here.
     if (point->GetRefCount() > 1) {
         point->Release();
-        return point;
+        return point;  // NOLINT(clang-analyzer-cplusplus.NewDelete): the entry kept here owns it too
     }
     start->AddRef();
     end->AddRef();

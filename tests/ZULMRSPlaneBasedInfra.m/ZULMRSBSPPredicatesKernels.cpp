@@ -256,9 +256,9 @@ TYPED_TEST(ZULMRSBSPKernelTest, EveryStageIsRightWhereItDecides)
     });
 }
 
+#if ZUL_HAS_SSE2
 TYPED_TEST(ZULMRSBSPKernelTest, AnswersDoNotDependOnTheEnvironmentAndLeaveItAlone)
 {
-#if ZUL_HAS_SSE2
     Random random(20'013);
     ForAllKinds(20'000 / ZUL_TEST_CASES_DIVISOR,
                 [&random](Regime regime, Position position, std::size_t count) {
@@ -273,10 +273,8 @@ TYPED_TEST(ZULMRSBSPKernelTest, AnswersDoNotDependOnTheEnvironmentAndLeaveItAlon
                         }
                     }
                 });
-#else
-    GTEST_SKIP() << "no control word to set";
-#endif
 }
+#endif
 
 TYPED_TEST(ZULMRSBSPKernelTest, AllZeroInputIsZeroAndRaisesNothing)
 {

@@ -1,4 +1,3 @@
-#include <chrono>
 #include <cmath>
 
 #include <gtest/gtest.h>
@@ -7,15 +6,6 @@
 #include "MillMeshReader.h"
 #include "MillPath.h"
 #include "MillTestHelp.h"
-
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define ZUL_UNDER_SANITIZER
-#endif
-#endif
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define ZUL_UNDER_SANITIZER
-#endif
 
 namespace
 {
@@ -28,21 +18,14 @@ struct RealProgram {
     NcUnits m_Units = NcUnits::Millimetres;
     /// For the count: enough for several columns across the narrowest cut.
     std::size_t m_Columns = 400'000;
-    /// Short enough for a run with sanitizers.
-    bool m_IsShort = false;
 };
 
 const RealProgram kPrograms[] = {
-    {"slant_test.nc", {"flat:4"}, "-2.14,-2.14,-5.05,12.14,12.14,0", {}, 400'000, true},
+    {"slant_test.nc", {"flat:4"}, "-2.14,-2.14,-5.05,12.14,12.14,0", {}, 400'000},
     {"spiral.gcode", {"ball:6"}, "auto:2"},
-    {"circle-inch.gcode", {"vee:6:60"}, "-20,-20,-6,20,20,2", {}, 400'000, true},
+    {"circle-inch.gcode", {"vee:6:60"}, "-20,-20,-6,20,20,2", {}, 400'000},
     {"cds_kramer.ngc", {"flat:12.7"}, "0,-6.35,0,101.6,101.6,50.8"},
-    {"pcb_drill_g81.ngc",
-     {"9=flat:0.4", "8=flat:0.6", "7=flat:0.8", "6=flat:1"},
-     "auto:2",
-     {},
-     1'000'000,
-     true},
+    {"pcb_drill_g81.ngc", {"9=flat:0.4", "8=flat:0.6", "7=flat:0.8", "6=flat:1"}, "auto:2", {}, 1'000'000},
     {"cap.ngc", {"flat:3.175"}, "auto:2", NcUnits::Inches, 1'500'000},
     {"axis_letter.ngc", {"vee:3:60"}, "auto:2", {}, 1'000'000},
     {"scorpion.nc", {"1=flat:1"}, "14.1468,-5.4365,-3,216.309,247.905,0", {}, 4'000'000},
@@ -52,8 +35,7 @@ const RealProgram kPrograms[] = {
      {"1=flat:12.7", "5=vee:6.35:90", "7=vee:6.35:140", "8=vee:7.9375:140"},
      "0,0,-19.05,88.9,63.5,0",
      {},
-     400'000,
-     true},
+     400'000},
 };
 
 std::string NameOf(const testing::TestParamInfo<RealProgram>& info)
@@ -105,11 +87,6 @@ protected:
 
 TEST_P(MillRealPrograms, GiveAClosedPartOfTheCountedVolume)
 {
-#ifdef ZUL_UNDER_SANITIZER
-    if (!GetParam().m_IsShort) {
-        GTEST_SKIP() << "too long for a run with sanitizers";
-    }
-#endif
     const MillTestFolder folder;
     MillConfig config = ConfigOf(GetParam());
     config.m_Output = folder / "part.stl";

@@ -225,8 +225,9 @@ bool IsEquationMissing(const ZULMRSBSPPlane& plane)
     if (!filtered) {
         return true;
     }
-    const bool isOpen = std::any_of((*filtered).begin(), (*filtered).begin() + 3,
-                                    [](const ZULExpDynamic& x) { return x.Sign() == ZULExpSignUncertain; });
+    const bool isOpen = std::any_of((*filtered).begin(), (*filtered).begin() + 3, [](const ZULExpDynamic& x) {
+        return !ZULMRSBSPFilter::FactorSign(x).IsDecided();
+    });
     return isOpen && !ZULMRSBSPQuadrupleHolder<ZULExpInterval>(plane.GetStdEquation_ExpInterval());
 }
 

@@ -162,7 +162,8 @@ TEST(ZULMRSBSPPredicatesStages, BothSidesOfTheSafeRangeAreRight)
             EXPECT_EQ(DecidedBy<Det2>(inputs), Stage::Filter) << exponent;
         }
     }
-    EXPECT_EQ(DecidedBy<Det2>({0x1p-511, 0x1p-512, 0x1p-511, 0x1p-511}), Stage::Exact);
+    const double beside = 0x1.0000000000001p-511;  // its products are denormal and not exact
+    EXPECT_EQ(DecidedBy<Det2>({beside, beside / 2, beside, beside}), Stage::Exact);
     EXPECT_EQ(DecidedBy<Det2>({0x1p-455, 0x1p-456, 0x1p-455, 0x1p-455}), Stage::Filter);
     EXPECT_EQ(DecidedBy<Det2>({0x1p510, 0x1p509, 0x1p510, 0x1p510}), Stage::Filter);
 }
@@ -289,8 +290,10 @@ TEST(ZULMRSBSPPredicatesStages, SidesOfAMeetingPoint)
     const auto skew =
         Meeting(Cartesian(0.1, 0.7, 0.3, 0.9), Cartesian(0.9, 0.2, 0.4, 0.7), Cartesian(0.3, 0.5, 0.8, 0.1));
     EXPECT_EQ(SideDecidedBy(*Cartesian(0.1, 0.7, 0.3, 0.9), *skew), Stage::Exact);
-    // Certain signs of all terms decide where the value underflows.
+#if ZUL_HAS_SSE2
+    // Denormal operands leave the cheap stages open, even where every product is exact.
     EXPECT_EQ(SideDecidedBy(*Cartesian(DenormMin, DenormMin, 0, 0), *corner), Stage::Exact);
+#endif
     const auto thin = Cartesian(1e-200, 1e-200, 1e-200, 1e-200);
     EXPECT_EQ(SideDecidedBy(*thin, *corner), Stage::Filter);
 }

@@ -19,12 +19,12 @@ ZULMathOBB ToBox(const MillBox& box)
                                      {half(sum.m_X), half(sum.m_Y), half(sum.m_Z)}));
 }
 
-/// Leaves as wide as the tool: larger ones collect the cells of many moves, smaller ones cut each sweep into
-/// many pieces and the part into many cells.
+/// Leaves twice as wide as the tool: larger ones collect the cells of many moves, smaller ones cut each sweep
+/// into many pieces and the part into many cells.
 ZULMRSCuttingOptions OptionsFor(const MillPath& path)
 {
     ZULMRSCuttingOptions options;
-    options.m_LeafSize = 2.0 * static_cast<double>(path.GetLargestReach());
+    options.m_LeafSize = 4.0 * static_cast<double>(path.GetLargestReach());
     return options;
 }
 

@@ -14,12 +14,12 @@ namespace
 {
 
 constexpr const char* kFooter = R"(
-Shapes: flat:D (end mill), ball:D (ball-nose end mill) and vee:D:ANGLE (V tool; D is its largest diameter, ANGLE
-the full angle at the tip), in millimetres and degrees. The programmed place is that of the tip; tool length and
-radius compensation are not applied. The shank is as thick as the tool.
+Shapes: flat:D (end mill), ball:D (ball-nose end mill) and vee:D:ANGLE (V tool; D is its largest diameter,
+ANGLE the full angle at the tip), in millimetres and degrees. The programmed place is that of the tip; tool
+length and radius compensation are not applied. The shank is as thick as the tool.
 
-Stock auto:MARGIN lies MARGIN millimetres round everything that a cutting tool reaches and MARGIN below the lowest
-cut; its top is Z0, or the highest cutting move of a program that never cuts below zero.
+Stock auto:MARGIN lies MARGIN millimetres round everything that a cutting tool reaches and MARGIN below the
+lowest cut; its top is Z0, or the highest cutting move of a program that never cuts below zero.
 
 Exit status: 0 done; 2 something in the input must be put right; 1 anything else.)";
 

@@ -13,6 +13,7 @@
 #include "ZULMRSBSPReferenceCount.h"
 #include "ZULMRSErrorTypes.h"
 #include "ZULMRSPlaneBasedInfraExport.h"
+#include "ZULMathOBB.h"
 
 /// Caller data carried by a polygon and copied by value; the library never interprets it.
 struct ZULMRSBSPExtraAttribute {
@@ -128,6 +129,15 @@ public:
     void DEBUG_ClearAllPoints();
     /// Reports parallel boundaries on the diagnostic stream and returns how many it found.
     int Check() const;
+
+    // === Box
+
+    /// A box round the polygon, as thin as 0.02 along the supporting plane's normal: axes U and V in the
+    /// plane, W along the normal, centre at the mean of the vertices, extents with a margin of 0.01.
+    /// Approximate, from rounded vertices; along U and V it reaches as far as the projection of the origin.
+    /// Makes missing vertices, as UpdatePoints. ZULMRSErrorInvalidInput, the box unchanged, without a
+    /// supporting plane or when a vertex is missing.
+    ZULMRSErrorTypes GetOBB(ZULMathOBB& box);
 
     // === Sharing
 

@@ -3,6 +3,8 @@
 
 #include <array>
 
+#include "ZULListValZULMathPoint.h"
+#include "ZULMRSBSPLine.h"
 #include "ZULMRSBSPPlane.h"
 #include "ZULMRSBSPPoint.h"
 #include "ZULMRSExtendedBool.h"
@@ -60,6 +62,36 @@ ZULMRSPlaneBasedInfra_API ZULMRSExtendedBool CoincidentOrientation(const ZULMRSB
                                                                    const ZULMRSBSPPlane& q);
 /// True when the normal is not the zero vector. Never undetermined.
 ZULMRSPlaneBasedInfra_API ZULMRSExtendedBool IsPlaneValid(const ZULMRSBSPPlane& plane);
+
+/// True when the points are one place in space, however each is defined. Never undetermined; the points are
+/// assumed valid (a missing plane answers false, coordinates that are not numbers equal nothing).
+ZULMRSPlaneBasedInfra_API ZULMRSExtendedBool ArePointsEqual(const ZULMRSBSPPoint& p, const ZULMRSBSPPoint& q);
+/// True when p comes after q: its x is greater, or with equal x its y, or with equal x and y its z. False
+/// otherwise, for equal points too: a strict weak order, for valid points. Neither point is changed; threads
+/// may order the same points at once.
+ZULMRSPlaneBasedInfra_API ZULMRSExtendedBool LexicographicOrder(ZULMRSBSPPoint& p, ZULMRSBSPPoint& q);
+/// True when the point's planes are three different objects that meet in one point; undetermined when one is
+/// missing.
+ZULMRSPlaneBasedInfra_API ZULMRSExtendedBool IsPointValid(const ZULMRSBSPPoint& point);
+/// True when the point lies on both planes of the line, otherwise false.
+ZULMRSPlaneBasedInfra_API ZULMRSExtendedBool IsPointOnLine(const ZULMRSBSPLine& line,
+                                                           const ZULMRSBSPPoint& point);
+/// Sign of n1 . (d x n2), n the normals of the planes, d the direction from q1 to q2.
+ZULMRSPlaneBasedInfra_API int SignOfTripleProduct(const ZULMRSBSPPlane& p1, const ZULMRSBSPPlane& p2,
+                                                  const ZULMRSBSPPoint& q1, const ZULMRSBSPPoint& q2);
+/// Sign of (d1 x d2) . n, n the normal of the plane, d1 the direction from q1 to q2, d2 from q2 to q3.
+ZULMRSPlaneBasedInfra_API int SignOfTripleProduct(const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& q1,
+                                                  const ZULMRSBSPPoint& q2, const ZULMRSBSPPoint& q3);
+/// Sign of nz^2 - s^2 |n|^2 with n = (B - A) x (C - A): positive when the normal of the triangle A, B, C
+/// makes with the z axis, whichever way it points, an angle whose cosine exceeds |s|. 2 only for input that
+/// is not finite.
+ZULMRSPlaneBasedInfra_API int GetSignOfNormalSignAngleDiff(const std::array<ZULMathPoint, 3>& triangle,
+                                                           double s);
+/// 1 when the plane has corners of the box (positions 1 to 8 of the list; more are not read) strictly on both
+/// sides, else 0. side may be null; it receives undetermined (0) in the first case, else the side on which
+/// the corners lie, or 2, which is no answer of a predicate, when all lie on the plane.
+ZULMRSPlaneBasedInfra_API int IsCrossingOBB(const ZULMRSBSPPlane& plane,
+                                            const ZULListValZULMathPoint& corners, ZULMRSExtendedBool* side);
 }  // namespace ZULMRSBSPPredicates
 
 #endif

@@ -130,47 +130,72 @@ private:
     const std::array<Number, 4>* m_Numbers = nullptr;
 };
 
-/// A point's homogeneous representation in intervals, to be read in upward rounding. Empty when the point
-/// cannot deliver it.
-class ZULMRSBSPIntervalRepresentation
+/// A point's homogeneous representation in one arithmetic, to be read in the environment of that arithmetic.
+/// Empty when the point cannot deliver it.
+template <class Number>
+class ZULMRSBSPRepresentation
 {
 public:
-    explicit ZULMRSBSPIntervalRepresentation(const ZULMRSBSPPoint& point)
+    explicit ZULMRSBSPRepresentation(const ZULMRSBSPPoint& point)
     {
-        if (!KeepFromPlanes(point)) {
-            m_Held.emplace(point.GetCartesianRepresentation_ExpInterval());
+        if (!KeepFromCoordinates(point) && !KeepFromPlanes(point)) {
+            m_Held.emplace(point.GetCartesianRepresentationTpl<Number>());
             m_Numbers = *m_Held ? &**m_Held : nullptr;
         }
     }
-    ZULMRSBSPIntervalRepresentation(const ZULMRSBSPIntervalRepresentation&) = delete;
-    ZULMRSBSPIntervalRepresentation& operator=(const ZULMRSBSPIntervalRepresentation&) = delete;
+    ZULMRSBSPRepresentation(const ZULMRSBSPRepresentation&) = delete;
+    ZULMRSBSPRepresentation& operator=(const ZULMRSBSPRepresentation&) = delete;
 
     explicit operator bool() const { return m_Numbers != nullptr; }
-    const std::array<ZULExpInterval, 4>& operator*() const { return *m_Numbers; }
-    const ZULExpInterval& operator[](std::size_t index) const { return (*m_Numbers)[index]; }
+    const std::array<Number, 4>& operator*() const { return *m_Numbers; }
+    const Number& operator[](std::size_t index) const { return (*m_Numbers)[index]; }
 
 private:
+    static constexpr bool IsKeptByPoint = std::is_same_v<Number, ZULExpDynamic>;
+
+    static Number One()
+    {
+        if constexpr (IsKeptByPoint) {
+            return ZULExpDynamic(1.0, 1.0, 0);  // no rounding step at all
+        } else {
+            return Number(1.0);
+        }
+    }
+    void Keep(const std::array<Number, 4>& numbers)
+    {
+        m_Computed = numbers;
+        m_Numbers = &m_Computed;
+    }
+    bool KeepFromCoordinates(const ZULMRSBSPPoint& point)
+    {
+        const std::array<double, 3>* p = ZULMRSBSPDirectReads::Coordinates(point);
+        if (p != nullptr) {
+            Keep({Number((*p)[0]), Number((*p)[1]), Number((*p)[2]), One()});
+        }
+        return p != nullptr;
+    }
     bool KeepFromPlanes(const ZULMRSBSPPoint& point)
     {
         if (!ZULMRSBSPDirectReads::Is3PlanesPoint(point)) {
             return false;
         }
-        std::array<std::array<ZULExpInterval, 4>, 3> equations;
-        for (std::size_t i = 0; i < equations.size(); ++i) {
-            const ZULMRSBSPPlane* plane = point.GetPlane(i);
-            if (plane == nullptr || !ZULMRSBSPIsCartesian(*plane)) {
-                return false;
+        if constexpr (IsKeptByPoint) {
+            m_Numbers =
+                ZULMRSBSPDirectReads::Representation(static_cast<const ZULMRSBSP3PlanesPoint&>(point));
+        } else if (point.GetP1() != nullptr && point.GetP2() != nullptr && point.GetP3() != nullptr) {
+            const ZULMRSBSPEquation<Number> p(*point.GetP1());
+            const ZULMRSBSPEquation<Number> q(*point.GetP2());
+            const ZULMRSBSPEquation<Number> r(*point.GetP3());
+            if (p && q && r) {
+                Keep(ZULMRSBSPFormulas::MeetingPoint(*p, *q, *r));
             }
-            equations[i] = ZULMRSBSPFormulas::Convert<ZULExpInterval>(ZULMRSBSPCoords(*plane));
         }
-        m_Computed = ZULMRSBSPFormulas::MeetingPoint(equations[0], equations[1], equations[2]);
-        m_Numbers = &m_Computed;
         return true;
     }
 
-    std::array<ZULExpInterval, 4> m_Computed;
-    std::optional<ZULMRSBSPQuadrupleHolder<ZULExpInterval>> m_Held;
-    const std::array<ZULExpInterval, 4>* m_Numbers = nullptr;
+    std::array<Number, 4> m_Computed;
+    std::optional<ZULMRSBSPQuadrupleHolder<Number>> m_Held;
+    const std::array<Number, 4>* m_Numbers = nullptr;
 };
 
 #endif

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 
 /// The polynomials of the library, each written once, over any number type with +, - and *. "Degree" counts
@@ -144,6 +145,34 @@ template <class Number, class Coordinate>
 auto EquationAtHomogeneous(const Quadruple<Number>& plane, const Quadruple<Coordinate>& point)
 {
     return plane[0] * point[0] + plane[1] * point[1] + plane[2] * point[2] + plane[3] * point[3];
+}
+
+/// Which of two homogeneous points has the greater coordinate, X(P) W(Q) - W(P) X(Q), times the W of both.
+/// Degree 2.
+template <class Number>
+Number CoordinateDifference(const Quadruple<Number>& p, const Quadruple<Number>& q, std::size_t axis)
+{
+    return Determinant2x2(p[axis], p[3], q[axis], q[3]);
+}
+
+/// The direction from homogeneous point p to q, times the W of both. Degree 2.
+template <class Number>
+Triple<Number> DirectionBetween(const Quadruple<Number>& p, const Quadruple<Number>& q)
+{
+    return {p[3] * q[0] - q[3] * p[0], p[3] * q[1] - q[3] * p[1], p[3] * q[2] - q[3] * p[2]};
+}
+
+/// With n the normal (b - a) x (c - a) of a triangle: nz^2 - s^2 (nx^2 + ny^2 + nz^2), positive where the
+/// angle between n and the z axis, whichever way n points, has a cosine above |s|. Degree 6.
+template <class Number>
+Number NormalAngleDifference(const Triple<Number>& a, const Triple<Number>& b, const Triple<Number>& c,
+                             const Number& s)
+{
+    const auto n = CrossProduct(Difference(b, a), Difference(c, a));
+    const Number x2 = n[0] * n[0];
+    const Number y2 = n[1] * n[1];
+    const Number z2 = n[2] * n[2];
+    return z2 - (x2 + y2 + z2) * (s * s);
 }
 
 /// The bits of a double without its sign. Tests on them hold where the host treats denormals as zero.

@@ -137,7 +137,7 @@ inline RepresentationVerdict IntervalByRepresentation(const ZULMRSBSPPlane& plan
 {
     RepresentationVerdict verdict;
     verdict.m_Sign = ZULMRSBSPStages::RunChecked<ZULExpInterval>([&] {
-        const ZULMRSBSPIntervalRepresentation representation(point);
+        const ZULMRSBSPRepresentation<ZULExpInterval> representation(point);
         const ZULMRSBSPEquation<ZULExpInterval> equation(plane);
         verdict.m_IsUsable = static_cast<bool>(representation);
         if (!verdict.m_IsUsable || !equation) {

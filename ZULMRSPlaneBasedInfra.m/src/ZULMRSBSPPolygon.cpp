@@ -16,6 +16,8 @@
 #include "ZULKLOOutput.h"
 #include "ZULMRSBSPInstanceCounters.h"
 #include "ZULMRSBSPPredicates.h"
+#include "ZULMRSBSPQuadrupleHolder.h"
+#include "ZULMRSBSPThinBox.h"
 
 unsigned int ZULMRSBSPPolygon::m_GID = 0;
 
@@ -480,6 +482,33 @@ int ZULMRSBSPPolygon::Check() const
         }
     }
     return problems;
+}
+
+// === Box
+
+ZULMRSErrorTypes ZULMRSBSPPolygon::GetOBB(ZULMathOBB& box)
+{
+    if (m_SupportingPlane == nullptr) {
+        return ZULMRSErrorInvalidInput;
+    }
+    const ZULMRSErrorTypes error = UpdatePoints();
+    if (error != ZULMRSNoError) {
+        return ZULMRSBSPThinBox::ReportUpdateError(error);
+    }
+    const ZULExpFloatScope scope;
+    ZULMRSBSPThinBox::Builder builder(*m_SupportingPlane);
+    for (const ZULMRSBSPPoint* point : m_Points) {
+        if (point == nullptr) {
+            return ZULMRSErrorInvalidInput;
+        }
+        const ZULMRSBSPQuadrupleHolder<double> xyz(point->GetApproximatedXYZError());
+        if (!xyz) {
+            return ZULMRSErrorInvalidInput;
+        }
+        builder.Include(xyz[0], xyz[1], xyz[2]);
+    }
+    box.SetBase(builder.Build());
+    return ZULMRSNoError;
 }
 
 // === Lock of the points

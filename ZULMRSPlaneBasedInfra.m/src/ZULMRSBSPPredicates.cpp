@@ -1,7 +1,10 @@
 #include "ZULMRSBSPPredicates.h"
 
+#include <algorithm>
+
 #include "ZULMRSBSPOrientation.h"
 #include "ZULMRSBSPPlaneRelations.h"
+#include "ZULMRSBSPPointRelations.h"
 #include "ZULMRSBSPSignKernels.h"
 
 namespace ZULMRSBSPPredicates
@@ -132,5 +135,75 @@ ZULMRSExtendedBool IsPlaneValid(const ZULMRSBSPPlane& plane)
 {
     const ZULExpFloatScope scope;
     return ToTruth(Settled(static_cast<int>(ZULMRSBSPPlaneRelations::IsValid(plane))));
+}
+
+ZULMRSExtendedBool ArePointsEqual(const ZULMRSBSPPoint& p, const ZULMRSBSPPoint& q)
+{
+    if (&p == &q) {
+        return ZULMRSExtendedTrue;
+    }
+    const ZULExpFloatScope scope;
+    return ToTruth(Settled(static_cast<int>(ZULMRSBSPPointRelations::AreEqual(p, q))));
+}
+
+ZULMRSExtendedBool LexicographicOrder(ZULMRSBSPPoint& p, ZULMRSBSPPoint& q)
+{
+    if (&p == &q) {
+        return ZULMRSExtendedFalse;
+    }
+    const ZULExpFloatScope scope;
+    return ToTruth(Settled(static_cast<int>(ZULMRSBSPPointRelations::ComesAfter(p, q))));
+}
+
+ZULMRSExtendedBool IsPointValid(const ZULMRSBSPPoint& point)
+{
+    if (point.GetP1() == nullptr || point.GetP2() == nullptr || point.GetP3() == nullptr) {
+        return ZULMRSExtendedUndetermined;
+    }
+    const ZULExpFloatScope scope;
+    return ToTruth(Settled(static_cast<int>(ZULMRSBSPPointRelations::HaveMeetingPoint(point))));
+}
+
+ZULMRSExtendedBool IsPointOnLine(const ZULMRSBSPLine& line, const ZULMRSBSPPoint& point)
+{
+    return ToTruth(
+        static_cast<int>(IsPointInFrontOfPlane(line.GetP1(), point) == ZULMRSExtendedUndetermined &&
+                         IsPointInFrontOfPlane(line.GetP2(), point) == ZULMRSExtendedUndetermined));
+}
+
+int SignOfTripleProduct(const ZULMRSBSPPlane& p1, const ZULMRSBSPPlane& p2, const ZULMRSBSPPoint& q1,
+                        const ZULMRSBSPPoint& q2)
+{
+    const ZULExpFloatScope scope;
+    return Settled(ZULMRSBSPPointRelations::SignOfProduct(
+        ZULMRSBSPPointRelations::DirectionBetweenNormals{p1, p2, q1, q2}));
+}
+
+int SignOfTripleProduct(const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& q1, const ZULMRSBSPPoint& q2,
+                        const ZULMRSBSPPoint& q3)
+{
+    const ZULExpFloatScope scope;
+    return Settled(
+        ZULMRSBSPPointRelations::SignOfProduct(ZULMRSBSPPointRelations::NormalOfPath{plane, q1, q2, q3}));
+}
+
+int GetSignOfNormalSignAngleDiff(const std::array<ZULMathPoint, 3>& triangle, double s)
+{
+    const auto& [a, b, c] = triangle;
+    return ZULMRSBSPKernel<ZULMRSBSPNormalAngleKernel>::Sign(
+        {a.x, a.y, a.z, b.x, b.y, b.z, c.x, c.y, c.z, s});
+}
+
+int IsCrossingOBB(const ZULMRSBSPPlane& plane, const ZULListValZULMathPoint& corners,
+                  ZULMRSExtendedBool* side)
+{
+    constexpr int nbCorners = 8;
+    const ZULExpFloatScope scope;
+    const int common =
+        Settled(ZULMRSBSPPointRelations::CommonSide(plane, corners, std::min(nbCorners, corners.Size())));
+    if (side != nullptr) {
+        *side = static_cast<ZULMRSExtendedBool>(common);
+    }
+    return static_cast<int>(common == 0);
 }
 }  // namespace ZULMRSBSPPredicates

@@ -15,8 +15,9 @@
 
 // The kernels on plain doubles. Each names its polynomial, the units K of its error bound, its shortcut where
 // it has one, and whether its exact stage answers undecided for input that is not finite. "Units" is the
-// number of roundings on the longest path from an input to the result; K is at least twice that, which covers
-// the rounding of the magnitude and of the bound and whatever underflow the range test lets through.
+// number of roundings on the longest path from an input to the result; K is at least twice that, unless said,
+// which covers the rounding of the magnitude and of the bound and whatever underflow the range test lets
+// through.
 
 struct ZULMRSBSPDeterminant2x2Kernel {
     static constexpr std::size_t NbInputs = 4;
@@ -178,6 +179,26 @@ private:
     }
 };
 
+/// Inputs: the triangle's points a, b, c, then the cosine s.
+struct ZULMRSBSPNormalAngleKernel {
+    static constexpr std::size_t NbInputs = 10;
+    // Component of the normal: 4 units, square 9, sum of three 11, times s^2 13, difference 14. Nothing is
+    // let through by a range test here, so the 8 units that are left suffice.
+    static constexpr int K = 22;
+    static constexpr bool ReportsFault = true;
+
+    template <class Number>
+    static Number Value(const std::array<Number, NbInputs>& x)
+    {
+        return ZULMRSBSPFormulas::NormalAngleDifference<Number>({x[0], x[1], x[2]}, {x[3], x[4], x[5]},
+                                                                {x[6], x[7], x[8]}, x[9]);
+    }
+    static ZULMRSBSPSign Filter(const ZULMRSBSPFilteredDouble& value)
+    {
+        return ZULMRSBSPFilter::DecideByStatus(value.m_Value, value.m_Magnitude, K);
+    }
+};
+
 /// The stages of a kernel, each on its own, and their chain.
 template <class Kernel>
 class ZULMRSBSPKernel
@@ -225,6 +246,8 @@ public:
     {
         if constexpr (requires { Kernel::Filter(inputs); }) {
             return Kernel::Filter(inputs);
+        } else if constexpr (requires(const ZULMRSBSPFilteredDouble& value) { Kernel::Filter(value); }) {
+            return Kernel::Filter(Value<ZULMRSBSPFilteredDouble>(inputs));
         } else {
             return ZULMRSBSPFilter::Decide(Value<ZULMRSBSPFilteredDouble>(inputs), Kernel::K);
         }

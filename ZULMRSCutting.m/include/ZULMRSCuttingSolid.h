@@ -50,12 +50,15 @@ public:
     /// split.
     std::size_t Split(const std::array<double, 4>& equation);
 
+    /// Number of cells.
     std::size_t GetNbCells() const;
     /// Polygons held by one cell only.
     std::size_t GetNbSurfaceFaces() const;
     /// The cells; borrowed, valid until the next operation.
     std::vector<ZULMRSBSPPolyhedron*> GetCells() const;
+    /// As ZULMRSVolumeOfCells of the cells.
     double GetVolume() const;
+    /// As ZULMRSExtractSurface of the cells.
     ZULMRSSurfaceMesh ExtractSurface() const;
 
     /// Drops every shared object that the cells no longer use. Runs by itself from time to time.

@@ -50,6 +50,7 @@ public:
     /// planes meet in one point) and left alone otherwise. Null when a plane is null.
     virtual ZULMRSBSPPoint* CreatePoint(ZULMRSBSPPlane* p1, ZULMRSBSPPlane* p2, ZULMRSBSPPlane* p3,
                                         bool& isValid) = 0;
+    /// The same for the planes in one array.
     virtual ZULMRSBSPPoint* CreatePoint(const std::array<ZULMRSBSPPlane*, 3>& planes, bool& isValid) = 0;
 
     /// The shared point of an edge and a cutting plane; see ZULMRSBSPPointOnEdgeFactory.

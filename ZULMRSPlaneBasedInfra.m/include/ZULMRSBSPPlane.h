@@ -32,6 +32,7 @@ public:
     ZULMRSBSPPlane(const ZULMRSBSPPlane& other);
     ZULMRSBSPPlane& operator=(const ZULMRSBSPPlane& other);
 
+    /// How the plane is defined.
     virtual ZULMRSBSPPlaneType GetType() const = 0;
 
     /// True when the normal is exactly a signed unit axis vector; axis is then 0, 1 or 2.
@@ -39,13 +40,16 @@ public:
 
     /// The equation (a, b, c, d) in each arithmetic; see ZULMRSBSPQuadruple for ownership.
     virtual ZULMRSBSPQuadruple<ZULExpDynamic> GetStdEquation_ExpDynamic() const = 0;
+    /// The same in intervals.
     virtual ZULMRSBSPQuadruple<ZULExpInterval> GetStdEquation_ExpInterval() const = 0;
+    /// The same in exact numbers.
     virtual ZULMRSBSPQuadruple<ZULExpFloatRingExtensionTS> GetStdEquation_FloatRing() const = 0;
 
     /// The four coefficients as doubles (approximate where the plane is not defined by doubles).
     virtual std::array<double, 4> GetCoords() const;
     /// Coefficient 0 (a) to 3 (d); the index is not checked.
     virtual double GetDouble(int index) const;
+    /// The first three coefficients as doubles.
     virtual ZULMathVector GetNormalVector() const;
 
     /// The equation in the arithmetic of the type argument.
@@ -117,14 +121,17 @@ namespace ZULMRSBSPPlaneNS
 ZULMRSPlaneBasedInfra_API ZULMRSBSPPlane* Create3PointsPlane(const std::array<double, 3>& p1,
                                                              const std::array<double, 3>& p2,
                                                              const std::array<double, 3>& p3);
+/// The same for the points in one array.
 ZULMRSPlaneBasedInfra_API ZULMRSBSPPlane* Create3PointsPlane(
     const std::array<std::array<double, 3>, 3>& points);
+/// The same for points as values.
 ZULMRSPlaneBasedInfra_API ZULMRSBSPPlane* Create3PointsPlane(const ZULMathPoint& p1, const ZULMathPoint& p2,
                                                              const ZULMathPoint& p3);
 
 /// A plane of the given coefficients; null when a, b and c are all exactly 0 (nothing is counted then) or
 /// memory is exhausted.
 ZULMRSPlaneBasedInfra_API ZULMRSBSPPlane* CreateCartesianPlane(const std::array<double, 4>& equation);
+/// The same for single coefficients.
 ZULMRSPlaneBasedInfra_API ZULMRSBSPPlane* CreateCartesianPlane(double a, double b, double c, double d);
 
 /// The plane through three points, normal (p2 - p1) x (p3 - p1).

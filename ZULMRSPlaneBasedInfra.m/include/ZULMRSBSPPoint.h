@@ -23,16 +23,21 @@ public:
     ZULMRSBSPPoint(const ZULMRSBSPPoint& other);
     ZULMRSBSPPoint& operator=(const ZULMRSBSPPoint& other);
 
+    /// How the point is defined.
     virtual ZULMRSBSPPointType GetType() const = 0;
 
     /// (X, Y, Z, W) in each arithmetic; see ZULMRSBSPQuadruple for ownership.
     virtual ZULMRSBSPQuadruple<ZULExpDynamic> GetCartesianRepresentation_ExpDynamic() const = 0;
+    /// The same in intervals.
     virtual ZULMRSBSPQuadruple<ZULExpInterval> GetCartesianRepresentation_ExpInterval() const = 0;
+    /// The same in exact numbers.
     virtual ZULMRSBSPQuadruple<ZULExpFloatRingExtensionTS> GetCartesianRepresentation_FloatRing() const = 0;
 
     /// x, y, z and an error bound common to the three.
     virtual ZULMRSBSPQuadruple<double> GetApproximatedXYZError() const = 0;
+    /// x, y and z alone.
     virtual ZULMathPoint GetApproximatedPoint() const = 0;
+    /// The same as an array.
     virtual std::array<double, 3> GetApproximatedXYZ() const = 0;
 
     /// Exchanges every occurrence of a plane of the triple for another plane object of the same point set,

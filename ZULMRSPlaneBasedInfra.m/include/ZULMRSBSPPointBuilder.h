@@ -29,6 +29,7 @@ public:
 
     /// The coordinates that the last Run() found; 0 before.
     void GetResult(double& x, double& y, double& z) const;
+    /// The same as a point.
     void GetResult(ZULMathPoint& result) const;
 
 private:

@@ -24,6 +24,7 @@ public:
     using Key = std::tuple<ZULMRSBSPPoint*, ZULMRSBSPPoint*, ZULMRSBSPPlane*>;
     /// The cutting plane takes no part.
     struct KeyHash {
+        /// A hash of the two end points.
         std::size_t operator()(const Key& key) const;
     };
     using Table = tbb::concurrent_unordered_map<Key, ZULMRSBSPPoint*, KeyHash, std::equal_to<Key>,
@@ -48,21 +49,29 @@ public:
     /// Number of points in the table.
     std::uint64_t Size() const;
 
+    /// The entries, in no order; not while points are being created.
     Table::iterator begin();
+    /// Past the last entry.
     Table::iterator end();
+    /// As begin(), read only.
     Table::const_iterator cbegin() const;
+    /// As end(), read only.
     Table::const_iterator cend() const;
 
 private:
     Table m_Table;
 };
 
+/// The member of the same name.
 ZULMRSPlaneBasedInfra_API ZULMRSBSPPointOnEdgeFactory::Table::iterator begin(
     ZULMRSBSPPointOnEdgeFactory& factory);
+/// The member of the same name.
 ZULMRSPlaneBasedInfra_API ZULMRSBSPPointOnEdgeFactory::Table::iterator end(
     ZULMRSBSPPointOnEdgeFactory& factory);
+/// The member of the same name.
 ZULMRSPlaneBasedInfra_API ZULMRSBSPPointOnEdgeFactory::Table::const_iterator cbegin(
     const ZULMRSBSPPointOnEdgeFactory& factory);
+/// The member of the same name.
 ZULMRSPlaneBasedInfra_API ZULMRSBSPPointOnEdgeFactory::Table::const_iterator cend(
     const ZULMRSBSPPointOnEdgeFactory& factory);
 

@@ -105,7 +105,9 @@ public:
     bool FindEdgePosition(const ZULMRSBSPPolygonEdge& edge, std::size_t& position) const;
     /// The position of an edge given in either direction; -1 when it is not in the loop.
     int GetEdgePosition(const ZULMRSBSPPolygonEdge& edge) const;
+    /// The first position of an edge plane, by its address; false, and position untouched, when it has none.
     bool FindEdgePosition(const ZULMRSBSPPlane* plane, std::size_t& position) const;
+    /// The same for a cached vertex.
     bool FindPointPosition(const ZULMRSBSPPoint* point, std::size_t& position) const;
 
     // === Maintenance of the vertices

@@ -88,6 +88,7 @@ public:
     PolygonIterator GetBeginPolygonIterator() { return m_Polygons.begin(); }
     PolygonIterator GetEndPolygonIterator() { return m_Polygons.end(); }
 
+    /// The first position of a polygon, by its address; false, and position untouched, when it is none.
     bool FindPolygonPosition(const ZULMRSBSPPolygon* polygon, std::size_t& position) const;
     /// By identity of the plane object; the end iterator for null or none. Spelt so.
     PolygonConstIterator FindPolygonWithSuppportingPlane(const ZULMRSBSPPlane* plane) const;
@@ -106,11 +107,14 @@ public:
         std::unordered_map<ZULMRSBSPPoint*, std::vector<ZULMRSBSPPolygon*>>& ring) const;
     /// Adds all edge planes to the set. Always ZULMRSNoError.
     ZULMRSErrorTypes ComputeAllEdges(std::unordered_set<ZULMRSBSPPlane*>& edgePlanes) const;
+    /// Every cached vertex once, null among them when one is missing.
     std::unordered_set<ZULMRSBSPPoint*> GetAllPoints() const;
+    /// The faces in order; none when orientations are missing.
     std::vector<Face> GetAllPolygonsAndOrientations() const;
     /// Exact for convex solids; the boundary counts as inside, a null point outside. A face without
     /// supporting plane bounds nothing. std::out_of_range when orientations are missing.
     bool PointIsInside(const ZULMathPoint& point) const;
+    /// The same for a point of planes.
     bool PointIsInside(const ZULMRSBSPPoint* point) const;
     /// A box round all vertices, with a margin of 2.25 times the largest error of a point; 1.5 times that
     /// error goes to error unless it is null. Makes missing points. A default box when there is no point or

@@ -40,14 +40,17 @@ ZULMRSPlaneBasedInfra_API int SignOf3PlanesDeterminant(const ZULMRSBSPPlane& p1,
 /// undetermined exactly on it. The array form reads x, y, z and ignores its fourth element.
 ZULMRSPlaneBasedInfra_API ZULMRSExtendedBool IsPointInFrontOfPlane(const ZULMRSBSPPlane& plane,
                                                                    const std::array<double, 4>& point);
+/// The same for three coordinates.
 ZULMRSPlaneBasedInfra_API ZULMRSExtendedBool IsPointInFrontOfPlane(const ZULMRSBSPPlane& plane,
                                                                    const ZULMathPoint& point);
+/// The same for a point of planes; undetermined also where its planes do not meet in one point.
 ZULMRSPlaneBasedInfra_API ZULMRSExtendedBool IsPointInFrontOfPlane(const ZULMRSBSPPlane& plane,
                                                                    const ZULMRSBSPPoint& point);
-/// The same in doubles only: wrong answers are possible within rounding distance of the plane, and a sum that
+/// The side in doubles only: wrong answers are possible within rounding distance of the plane, and a sum that
 /// is not a number answers false.
 ZULMRSPlaneBasedInfra_API ZULMRSExtendedBool IsPointInFrontOfPlaneFast(const ZULMRSBSPPlane& plane,
                                                                        const ZULMathPoint& point);
+/// The same for a point of planes, from the coefficients of the four planes.
 ZULMRSPlaneBasedInfra_API ZULMRSExtendedBool IsPointInFrontOfPlaneFast(const ZULMRSBSPPlane& plane,
                                                                        const ZULMRSBSPPoint& point);
 

@@ -17,9 +17,11 @@ public:
     ZULCriticalSection(const ZULCriticalSection&) = delete;
     ZULCriticalSection& operator=(const ZULCriticalSection&) = delete;
 
+    /// Waits for the lock; throws where the caller holds it already.
     void lock();
     /// False when any thread, the caller included, holds the lock.
     bool try_lock();
+    /// Only the owner may unlock.
     void unlock();
 
 private:

@@ -50,11 +50,15 @@ public:
     /// Number of zero bits below the lowest set bit; 0 for zero.
     std::size_t GetTrailingZeros() const noexcept;
 
+    /// Exact, as all arithmetic here.
     ZULExpBigIntegerTS operator-() const;
+    /// Exact.
     friend ZULPlatform_API ZULExpBigIntegerTS operator+(const ZULExpBigIntegerTS& x,
                                                         const ZULExpBigIntegerTS& y);
+    /// Exact.
     friend ZULPlatform_API ZULExpBigIntegerTS operator-(const ZULExpBigIntegerTS& x,
                                                         const ZULExpBigIntegerTS& y);
+    /// Exact.
     friend ZULPlatform_API ZULExpBigIntegerTS operator*(const ZULExpBigIntegerTS& x,
                                                         const ZULExpBigIntegerTS& y);
     /// Times 2^bits.

@@ -60,6 +60,7 @@ public:
     const ZULExpBigIntegerTS& GetInteger() const noexcept { return m_Integer; }
     std::int64_t GetExponent() const noexcept { return m_Exponent; }
 
+    /// Exact, as all arithmetic here.
     ZULExpFloatRingExtensionTS operator-() const;
     ZULExpFloatRingExtensionTS& operator+=(const ZULExpFloatRingExtensionTS& other)
     {
@@ -73,10 +74,13 @@ public:
     {
         return *this = *this * other;
     }
+    /// Exact.
     friend ZULPlatform_API ZULExpFloatRingExtensionTS operator+(const ZULExpFloatRingExtensionTS& x,
                                                                 const ZULExpFloatRingExtensionTS& y);
+    /// Exact.
     friend ZULPlatform_API ZULExpFloatRingExtensionTS operator-(const ZULExpFloatRingExtensionTS& x,
                                                                 const ZULExpFloatRingExtensionTS& y);
+    /// Exact.
     friend ZULPlatform_API ZULExpFloatRingExtensionTS operator*(const ZULExpFloatRingExtensionTS& x,
                                                                 const ZULExpFloatRingExtensionTS& y);
 

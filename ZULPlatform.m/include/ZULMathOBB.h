@@ -30,6 +30,7 @@ public:
     /// The reverse of UVWtoXYZ for orthonormal axes.
     ZULMathPoint XYZtoUVW(const ZULMathPoint& xyz) const;
 
+    /// Eight times the product of the extents.
     double Volume() const;
 
     /// Fits the box to the points: it contains every one of them, and is tight (the eight corners of a box

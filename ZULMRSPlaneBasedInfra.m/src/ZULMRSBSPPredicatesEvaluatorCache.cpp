@@ -1,5 +1,7 @@
 #include "ZULMRSBSPPredicatesEvaluatorCache.h"
 
+#include <memory>
+
 #include "ZULMRSBSPHash.h"
 #include "ZULMRSBSPPredicates.h"
 
@@ -12,10 +14,14 @@ ZULMRSBSPPredicatesEvaluatorCache& ZULMRSBSPPredicatesEvaluatorCache::operator=(
     const ZULMRSBSPPredicatesEvaluatorCache& other)
 {
     if (this != &other) {
-        // First, so that a copy that throws leaves nothing behind; the table's own assignment does.
-        clear();
-        Table copy(other.m_Answers);
-        m_Answers = std::move(copy);
+        // The table's own assignment leaves a half copy behind when it throws.
+        std::destroy_at(&m_Answers);
+        try {
+            std::construct_at(&m_Answers, other.m_Answers);
+        } catch (...) {
+            std::construct_at(&m_Answers);
+            throw;
+        }
     }
     return *this;
 }
@@ -38,6 +44,8 @@ ZULMRSExtendedBool ZULMRSBSPPredicatesEvaluatorCache::IsPointInFrontOfPlane(cons
 
 void ZULMRSBSPPredicatesEvaluatorCache::clear()
 {
-    // A new map: the old one would keep its buckets.
-    m_Answers = Table();
+    // A new table in place: the old one would keep its number of buckets, and to move or swap a table takes
+    // memory, whose lack then ends the program. To make an empty one takes none.
+    std::destroy_at(&m_Answers);
+    std::construct_at(&m_Answers);
 }

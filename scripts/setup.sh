@@ -1,8 +1,10 @@
 #!/bin/sh
-# Installs from Debian's packages what building, testing and running need. Needs root (directly or through sudo).
+# Installs from Debian's packages what building, testing and running need; with the argument "bench" also what
+# the benchmarks and their peers need. Needs root (directly or through sudo).
 set -eu
 packages="g++ clang cmake ninja-build doxygen python3"
 packages="$packages libtbb-dev libgmp-dev libcli11-dev libfmt-dev nlohmann-json3-dev libgtest-dev"
+[ "${1:-}" != bench ] || packages="$packages libbenchmark-dev libcgal-dev voro++-dev"
 missing=""
 for package in $packages; do
     dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' || missing="$missing $package"

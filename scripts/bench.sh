@@ -1,0 +1,48 @@
+#!/bin/sh
+# Measures the installed library beside its peers: scripts/bench.sh [--quick]. Sets up, builds and runs; the
+# tables go to build/bench/results.md and results.json. --quick: one short process per peer instead of three.
+set -eu
+cd "$(dirname "$0")/.."
+rounds="1 2 3"
+options="--benchmark_min_time=0.1"
+case "${1:-}" in
+    "") ;;
+    --quick)
+        rounds="1"
+        options="--benchmark_min_time=0.02"
+        ;;
+    *)
+        echo "usage: scripts/bench.sh [--quick]" >&2
+        exit 2
+        ;;
+esac
+scripts/setup.sh bench
+
+out=$PWD/build/bench
+cmake -S . -B "$out/library" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_COMPILER=g++ \
+    -DZUL_STATISTICS=OFF -DZUL_BUILD_TESTS=OFF -DCMAKE_INSTALL_PREFIX="$out/prefix"
+cmake --build "$out/library" --target install
+cmake -S benchmarks -B "$out/peers" -G Ninja -DCMAKE_CXX_COMPILER=g++ -DCMAKE_PREFIX_PATH="$out/prefix" \
+    -DZUL_MILL_PROGRAM="$out/library/apps/zulmrs-mill/zulmrs-mill"
+cmake --build "$out/peers"
+
+rm -rf "$out/runs"
+mkdir "$out/runs"
+for round in $rounds; do
+    for program in "$out"/peers/bin/bench-*; do
+        name=$(basename "$program")
+        echo "round $round: $name"
+        "$program" "$options" --benchmark_out_format=json --benchmark_out="$out/runs/$name.$round.json" \
+            >"$out/runs/$name.log" 2>&1 || {
+            cat "$out/runs/$name.log" >&2
+            echo "scripts/bench.sh: $name failed" >&2
+            exit 1
+        }
+    done
+done
+status=0
+python3 benchmarks/report.py "$out/runs" benchmarks/*/targets.json --json "$out/results.json" \
+    --markdown "$out/results.md" || status=$?
+sed -n '/^## Targets/,/^## [^T]/{/^## [^T]/d;p}' "$out/results.md"
+echo "the whole tables: $out/results.md"
+exit $status

@@ -15,10 +15,9 @@ constexpr ZULMRSBSPReport::Place NoEquation = {Function, Source, 145};
 
 constexpr double DefaultThreshold = 0.0001;
 
+/// Inside a ZULExpFloatScope: denormals count, whatever the caller's processor makes of them.
 bool IsGreater(double x, double y)
 {
-    // Denormals count, whatever the caller's processor makes of them.
-    const ZULExpFloatScope scope;
     ZULExpProcessor::Pin(x);
     int isGreater = static_cast<int>(x > y);
     ZULExpProcessor::Pin(isGreater);
@@ -68,6 +67,8 @@ bool ZULMRSBSPPointBuilder::EvaluateQuickly()
     }
     m_Result = {approximation[0], approximation[1], approximation[2]};
     m_Error = approximation[3];
+    // Over the warning too: to write a number out is arithmetic, which the caller may have made to trap.
+    const ZULExpFloatScope scope;
     if (!IsGreater(m_Error, m_MaxErrorThreshold)) {
         return true;
     }

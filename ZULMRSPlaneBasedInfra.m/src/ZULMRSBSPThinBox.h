@@ -8,6 +8,7 @@
 #include "ZULExpFloatStatus.h"
 #include "ZULMRSBSPPlane.h"
 #include "ZULMRSBSPReport.h"
+#include "ZULMRSBSPScaledNorm.h"
 #include "ZULMRSErrorTypes.h"
 #include "ZULMathOBB.h"
 #include "ZULMathVector.h"
@@ -27,15 +28,24 @@ inline ZULMathVector AuxiliaryAxis(const ZULMathVector& normal)
     return normal.y == 0.0 ? ZULMathVector(1.0, 0.0, 0.0) : ZULMathVector(0.0, 0.0, 1.0);
 }
 
+/// Of length 1, also where the square of the length is beyond the range of doubles; zero stays zero.
+inline ZULMathVector Normalized(const ZULMathVector& vector)
+{
+    const ZULMRSBSPScaledNorm norm(vector.x, vector.y, vector.z);
+    if (norm.m_Value == 0.0) {
+        return vector;
+    }
+    return {norm.Divide(vector.x), norm.Divide(vector.y), norm.Divide(vector.z)};
+}
+
 /// U and V in the plane, N along its normal.
 struct Frame {
     explicit Frame(const ZULMRSBSPPlane& plane)
         : m_N(plane.GetDouble(0), plane.GetDouble(1), plane.GetDouble(2))
     {
         const ZULMathVector auxiliary = AuxiliaryAxis(m_N);
-        m_N.Normalize();
-        m_U = auxiliary - (m_N * auxiliary) * m_N;
-        m_U.Normalize();
+        m_N = Normalized(m_N);
+        m_U = Normalized(auxiliary - (m_N * auxiliary) * m_N);
         m_V = m_N ^ m_U;
     }
 

@@ -27,7 +27,10 @@ public:
     /// A new array (x, y, z, error): error is the widest of the three quotient intervals. Where no interval
     /// representation exists an error line is written and the array is not filled.
     ZULMRSBSPQuadruple<double> GetApproximatedXYZError() const override;
+    /// Quotients of the cache where it is valid, else as GetApproximatedXYZError; three times -666.666 when
+    /// memory is exhausted.
     ZULMathPoint GetApproximatedPoint() const override;
+    /// The same as an array; an error line and zeros when memory is exhausted.
     std::array<double, 3> GetApproximatedXYZ() const override;
     bool ReplacePlaneByEquivalentPlane(ZULMRSBSPPlane* newPlane, ZULMRSBSPPlane* oldPlane) override;
     ~ZULMRSBSP3PlanesPoint() override;

@@ -18,31 +18,7 @@ namespace
 using namespace ZULMRSBSPPredicates;
 using namespace ZULTest;
 
-constexpr double Infinity = std::numeric_limits<double>::infinity();
-constexpr double NotANumber = std::numeric_limits<double>::quiet_NaN();
-
 using Point = Owner<ZULMRSBSPPoint>;
-
-ZULMathPoint ToMathPoint(const Point3& point)
-{
-    return {point[0], point[1], point[2]};
-}
-
-Owner<ZULMRSBSPPlane> Cartesian(double a, double b, double c, double d)
-{
-    return Own<ZULMRSBSPPlane>(new ZULMRSBSPCartesianPlane(Plane4{a, b, c, d}));
-}
-Owner<ZULMRSBSPPlane> ThreePoints(const Point3& p1, const Point3& p2, const Point3& p3)
-{
-    return Own<ZULMRSBSPPlane>(new ZULMRSBSP3PointsPlane({p1, p2, p3}));
-}
-/// The meeting point of three planes, whether they have one or not.
-Point Meeting(const Owner<ZULMRSBSPPlane>& p1, const Owner<ZULMRSBSPPlane>& p2,
-              const Owner<ZULMRSBSPPlane>& p3)
-{
-    bool isValid = false;
-    return Own<ZULMRSBSPPoint>(new ZULMRSBSP3PlanesPoint({p1.get(), p2.get(), p3.get()}, isValid));
-}
 
 /// Four planes of which any may be tested at the meeting point of the three others.
 struct FourPlanes {

@@ -17,15 +17,6 @@ namespace
 using namespace ZULMRSBSPPredicates;
 using namespace ZULTest;
 
-Owner<ZULMRSBSPPlane> Cartesian(double a, double b, double c, double d)
-{
-    return Own<ZULMRSBSPPlane>(new ZULMRSBSPCartesianPlane(Plane4{a, b, c, d}));
-}
-Owner<ZULMRSBSPPlane> ThreePoints(const Point3& p1, const Point3& p2, const Point3& p3)
-{
-    return Own<ZULMRSBSPPlane>(new ZULMRSBSP3PointsPlane({p1, p2, p3}));
-}
-
 Point3 Sum(const Point3& p, const Point3& q)
 {
     return {p[0] + q[0], p[1] + q[1], p[2] + q[2]};

@@ -231,19 +231,6 @@ TEST(ZULMRSBSPPredicatesStages, InputThatIsNotFiniteLeavesTheExactStageOpenWhere
 
 //---------------------------------------------------------------- stages of the predicates on objects
 
-Owner<ZULMRSBSPPlane> Cartesian(double a, double b, double c, double d)
-{
-    return Own<ZULMRSBSPPlane>(new ZULMRSBSPCartesianPlane(Plane4{a, b, c, d}));
-}
-Owner<ZULMRSBSPPoint> Meeting(const Owner<ZULMRSBSPPlane>& p1, const Owner<ZULMRSBSPPlane>& p2,
-                              const Owner<ZULMRSBSPPlane>& p3)
-{
-    bool isValid = false;
-    auto point = Own<ZULMRSBSPPoint>(new ZULMRSBSP3PlanesPoint({p1.get(), p2.get(), p3.get()}, isValid));
-    EXPECT_TRUE(isValid);
-    return point;
-}
-
 TEST(ZULMRSBSPPredicatesStages, EquationsThatFitAreDecidedInShortIntegers)
 {
     using ZULMRSBSPOrientation::ShortExactByPlanes;

@@ -101,6 +101,36 @@ inline DyadicPlane DyadicMeetingPoint(const std::array<DyadicPlane, 3>& planes)
             -DyadicDeterminant(planes, 0, 1, 3), DyadicDeterminant(planes, 0, 1, 2)};
 }
 
+/// The same point with W positive, or zero.
+inline DyadicPlane DyadicWithPositiveW(const DyadicPlane& point)
+{
+    return point[3].Sign() < 0 ? DyadicPlane{-point[0], -point[1], -point[2], -point[3]} : point;
+}
+/// Sign of a coordinate of the first point minus that of the second; both W are positive.
+inline int DyadicCompare(const DyadicPlane& p, const DyadicPlane& q, std::size_t axis)
+{
+    return (p[axis] * q[3] - q[axis] * p[3]).Sign();
+}
+/// The same of the first axis in which the points differ; zero for equal points.
+inline int DyadicOrder(const DyadicPlane& p, const DyadicPlane& q)
+{
+    int sign = 0;
+    for (std::size_t axis = 0; axis < 3 && sign == 0; ++axis) {
+        sign = DyadicCompare(p, q, axis);
+    }
+    return sign;
+}
+/// The direction from one homogeneous point to another, times the W of both.
+inline DyadicPoint DyadicDirection(const DyadicPlane& from, const DyadicPlane& to)
+{
+    return {to[0] * from[3] - from[0] * to[3], to[1] * from[3] - from[1] * to[3],
+            to[2] * from[3] - from[2] * to[3]};
+}
+inline DyadicPoint DyadicNormal(const DyadicPlane& plane)
+{
+    return {plane[0], plane[1], plane[2]};
+}
+
 /// Sign of a plane's equation at a homogeneous point; zero where W is.
 inline int DyadicSide(const DyadicPlane& plane, const DyadicPlane& point)
 {

@@ -4,8 +4,8 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <ostream>
 #include <utility>
-#include <vector>
 
 #include "ZULListValZULMathPoint.h"
 #include "ZULMRSBSPPredicates.h"

@@ -108,9 +108,7 @@ def read_test_names(folder):
     for path in folder.rglob("*"):
         if path.suffix in (".cpp", ".h"):
             text = re.sub(r"//[^\n]*", "", path.read_text(encoding="utf-8"))
-            for suite, test in re.findall(r"\bTEST(?:_F|_P)?\(\s*(\w+)\s*,\s*(\w+)\s*\)", text):
-                names.add(suite + "." + test)
-            for suite, test in re.findall(r"\bTYPED_TEST(?:_P)?\(\s*(\w+)\s*,\s*(\w+)\s*\)", text):
+            for suite, test in re.findall(r"\b(?:TYPED_)?TEST(?:_F|_P)?\(\s*(\w+)\s*,\s*(\w+)\s*\)", text):
                 names.add(suite + "." + test)
         elif path.name == "CMakeLists.txt":
             text = re.sub(r"#[^\n]*", "", path.read_text(encoding="utf-8"))
@@ -138,9 +136,9 @@ def split_symbol(symbol):
             if depth == 0:
                 text, parameters = text[:position], text[position + 1:-1]
                 break
-    head, operator, tail = re.fullmatch(r"(.*?)(\boperator\b)?((?(2).*|))", text).groups()
+    head, *operator = re.split(r"\b(operator\b.*)", text, maxsplit=1)
     head = without_templates(head).rsplit(" ", 1)[-1]  # templates start with their result
-    return head + (operator or "") + tail, parameters
+    return head + "".join(operator), parameters
 
 
 def outermost_scope(symbol):
@@ -162,23 +160,16 @@ def read_symbols(nm, library):
     return sorted(symbols)
 
 
-class Subject:
-    """What has to be told for a symbol: a name of the index, and whether the words of its class suffice."""
-
-    def __init__(self, name, by_class):
-        self.name = name
-        self.by_class = by_class
-
-
 def subject_of(symbol, reference):
+    """The name that has to be told for a symbol: its own or that of its class."""
     name, parameters = split_symbol(symbol)
     scope, _, last = name.rpartition("::")
     if not scope:
         if not reference.has(name):
             for owner in re.findall(r"\bZUL\w+", parameters):
                 if reference.has(owner + "::" + name):
-                    return Subject(owner + "::" + name, False)  # a friend
-        return Subject(name, False)
+                    return owner + "::" + name  # a friend
+        return name
     # What is private, or belongs to a class that no public header defines, nobody can call: its class answers.
     hidden = None
     for end in range(len(scope.split("::")), 0, -1):
@@ -186,13 +177,11 @@ def subject_of(symbol, reference):
         if not reference.has(outer):
             hidden = outer
     if hidden and reference.has(hidden.rpartition("::")[0]):
-        return Subject(hidden.rpartition("::")[0], True)
+        return hidden.rpartition("::")[0]
     is_made_or_copied = last.lstrip("~") == scope.rpartition("::")[2] or (
         last == "operator=" and re.match(re.escape(scope) + r"( const)?\s*&", parameters))
     is_private = name in reference.names and not reference.has(name)
-    if is_made_or_copied or is_private:
-        return Subject(scope, True)
-    return Subject(name, False)
+    return scope if is_made_or_copied or is_private else name
 
 
 def check_symbols(libraries, nm, reference, told, gaps):
@@ -205,16 +194,16 @@ def check_symbols(libraries, nm, reference, told, gaps):
 
 
 def check_symbol(symbol, library, reference, told, gaps):
-    subject = subject_of(symbol, reference)
-    declarations = reference.declarations(subject.name)
+    name = subject_of(symbol, reference)
+    declarations = reference.declarations(name)
     if not declarations:
         gaps.append("{}: exported by {}, not declared in any public header".format(symbol, library))
         return
-    if subject.name not in told:
-        gaps.append("{}: no line in {}".format(subject.name, INDEX))
+    if name not in told:
+        gaps.append("{}: no line in {}".format(name, INDEX))
     for declaration in declarations:
         if not declaration.is_documented:
-            gaps.append("{}: no docstring at {}".format(subject.name, declaration.place))
+            gaps.append("{}: no docstring at {}".format(name, declaration.place))
 
 
 def check_declarations(reference, told, gaps):

@@ -4,7 +4,7 @@
 set -eu
 cd "$(dirname "$0")/.."
 rounds="1 2 3"
-options="--benchmark_min_time=0.1"
+options="--benchmark_min_time=0.02 --benchmark_repetitions=5"
 case "${1:-}" in
     "") ;;
     --quick)
@@ -32,7 +32,8 @@ for round in $rounds; do
     for program in "$out"/peers/bin/bench-*; do
         name=$(basename "$program")
         echo "round $round: $name"
-        "$program" "$options" --benchmark_out_format=json --benchmark_out="$out/runs/$name.$round.json" \
+        # shellcheck disable=SC2086  # the options are meant to be split
+        "$program" $options --benchmark_out_format=json --benchmark_out="$out/runs/$name.$round.json" \
             >"$out/runs/$name.log" 2>&1 || {
             cat "$out/runs/$name.log" >&2
             echo "scripts/bench.sh: $name failed" >&2

@@ -44,18 +44,9 @@ struct HomogeneousPeer : PeerBase {
         const Number m03 = Minor(q, r, 0, 3);
         const Number m13 = Minor(q, r, 1, 3);
         const Number m23 = Minor(q, r, 2, 3);
-        Point point{p[2] * m13 - p[1] * m23 - p[3] * m12, p[0] * m23 - p[2] * m03 + p[3] * m02,
-                    p[1] * m03 - p[0] * m13 - p[3] * m01, w};
-        if constexpr (std::is_arithmetic_v<Number>) {
-            for (Number& number : point) {
-                number *= sign;  // no branch to guess
-            }
-        } else if (sign < 0) {
-            for (Number& number : point) {
-                number = -std::move(number);
-            }
-        }
-        return point;
+        return Point{Signed(p[2] * m13 - p[1] * m23 - p[3] * m12, sign),
+                     Signed(p[0] * m23 - p[2] * m03 + p[3] * m02, sign),
+                     Signed(p[1] * m03 - p[0] * m13 - p[3] * m01, sign), Signed(w, sign)};
     }
     static int Side(const Plane& plane, const Point& point)
     {
@@ -87,12 +78,12 @@ struct HomogeneousPeer : PeerBase {
         return AllZero({{0, 1}, {1, 2}, {2, 0}, {0, 3}, {1, 3}, {2, 3}},
                        [&](int i, int j) { return Minor(p, q, i, j); });
     }
-    static int Order(const Point& p, const Point& q)
+    static int IsAfter(const Point& p, const Point& q)
     {
         for (int i = 0; i < 3; ++i) {
             const int sign = Arithmetic::Sign(Minor(p, q, i, 3));
             if (sign != 0) {
-                return sign;
+                return sign == -1 ? 0 : sign;
             }
         }
         return 0;
@@ -103,6 +94,14 @@ struct HomogeneousPeer : PeerBase {
     }
 
 private:
+    static Number Signed(Number number, int sign)
+    {
+        if constexpr (std::is_arithmetic_v<Number>) {
+            return number * sign;  // no branch to guess
+        } else {
+            return sign < 0 ? Number(-std::move(number)) : Number(std::move(number));
+        }
+    }
     /// The determinant of columns i and j of two rows.
     static Number Minor(const auto& p, const auto& q, int i, int j) { return p[i] * q[j] - p[j] * q[i]; }
     /// The determinant of columns i, j and k of three rows.

@@ -10,7 +10,7 @@
 /// The workloads of the predicates. A peer is a struct of types and static functions, derived from PeerBase.
 /// It takes part in the workloads for which it has the types:
 ///   Plane    MakePlane(Equation), Parallel(Plane, Plane), Coincident(Plane, Plane)
-///   Point    of three planes: MakePoint(Plane, Plane, Plane), Side(Plane, Point), Order(Point, Point),
+///   Point    of three planes: MakePoint(Plane, Plane, Plane), Side(Plane, Point), IsAfter(Point, Point),
 ///            Equal(Point, Point); MakePlane(ThreePoints)
 ///   Vertex   of coordinates: MakeVertex(Triple), SideOfVertex(Plane, Vertex)
 ///   Matrix   MakeMatrix(MatrixCase), Determinant(Matrix)
@@ -23,7 +23,6 @@ struct PeerBase {
         Scope() {}  // not trivial, so that an unused one draws no warning
     };
     static bool Handles(const Kind&) { return true; }
-    static constexpr bool ComparesPoints = true;
     /// Whether the first answer of a point may cost another price than the next ones.
     static constexpr bool KeepsMore = false;
 };
@@ -124,12 +123,12 @@ struct Workloads {
                 return std::pair(MakePoint(one.m_P), MakePoint(one.m_Q));
             });
         };
-        const auto order = [](const auto& item) { return Peer::Order(item.first, item.second); };
+        const auto isAfter = [](const auto& item) { return Peer::IsAfter(item.first, item.second); };
         const auto equal = [](const auto& item) { return Peer::Equal(item.first, item.second); };
-        RegisterKept<Scope>("points_order", kind, prepare, order);
+        RegisterKept<Scope>("points_order", kind, prepare, isAfter);
         RegisterKept<Scope>("points_equal", kind, prepare, equal);
         if constexpr (Peer::KeepsMore) {
-            RegisterFresh<Scope>("points_order_first", kind, prepare, order);
+            RegisterFresh<Scope>("points_order_first", kind, prepare, isAfter);
             RegisterFresh<Scope>("points_equal_first", kind, prepare, equal);
         }
     }
@@ -139,9 +138,7 @@ struct Workloads {
         if constexpr (requires { typename Peer::Point; }) {
             RegisterSide(kind);
             RegisterBuilt(kind);
-            if constexpr (Peer::ComparesPoints) {
-                RegisterPointPairs(kind);
-            }
+            RegisterPointPairs(kind);
         }
         if constexpr (requires { typename Peer::Vertex; }) {
             RegisterVertex(kind);

@@ -18,7 +18,7 @@ struct Peer : ZULBench::KernelPeer<Kernel> {
         return boost::get<Point>(*CGAL::intersection(p, q, r));
     }
     static int Side(const Plane& plane, const Point& point) { return plane.oriented_side(point); }
-    static int Order(const Point& p, const Point& q) { return CGAL::compare_xyz(p, q); }
+    static int IsAfter(const Point& p, const Point& q) { return CGAL::compare_xyz(p, q) == CGAL::LARGER; }
     static int Equal(const Point& p, const Point& q) { return p == q ? 1 : 0; }
 };
 }  // namespace

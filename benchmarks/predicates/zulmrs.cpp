@@ -21,7 +21,6 @@ struct Peer : ZULBench::PeerBase {
     using Point = std::unique_ptr<ZULMRSBSPPoint, Releaser>;
     using Vertex = ZULMathPoint;
     using Matrix = ZULBench::MatrixCase;
-    static constexpr bool ComparesPoints = false;
     static constexpr bool KeepsMore = true;
 
     static Plane MakePlane(const ZULBench::Equation& equation)
@@ -40,6 +39,15 @@ struct Peer : ZULBench::PeerBase {
     static int Side(const Plane& plane, const Point& point)
     {
         return ZULMRSBSPPredicates::IsPointInFrontOfPlane(*plane, *point);
+    }
+
+    static int IsAfter(const Point& p, const Point& q)
+    {
+        return ZULMRSBSPPredicates::LexicographicOrder(*p, *q) == ZULMRSExtendedTrue;
+    }
+    static int Equal(const Point& p, const Point& q)
+    {
+        return ZULMRSBSPPredicates::ArePointsEqual(*p, *q) == ZULMRSExtendedTrue;
     }
 
     static Vertex MakeVertex(const ZULBench::Triple& vertex) { return {vertex[0], vertex[1], vertex[2]}; }

@@ -188,9 +188,11 @@ TEST(ZULMRSBSPPredicatesPoints, ValidityIsExactInEveryRegime)
 std::vector<PointCase> CrowdedPoints(Random& random, Regime regime, std::size_t count)
 {
     const Scene exact(random, regime, Position::Degenerate);
+    // Places in a cube, a dozen points or more at each.
+    const int reach = static_cast<int>(std::cbrt(static_cast<double>(count) / 16.0) / 2.0);
     std::vector<PointCase> points;
     while (points.size() < count) {
-        Scene scene(exact, SmallVector(random, 8));
+        Scene scene(exact, SmallVector(random, reach));
         points.push_back(scene.AnyPoint());
         if (random.OneIn(8)) {
             Point3 beside = scene.GetPoint();

@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <limits>
+#include <thread>
 #include <tuple>
 #include <utility>
 #include <vector>
@@ -191,6 +193,41 @@ TEST(ZULMRSBSPPredicatesPointStages, AnswersDoNotDependOnTheEnvironmentAndLeaveI
     });
 }
 #endif
+
+TEST(ZULMRSBSPPredicatesPointStages, ThreadsMayAskAboutTheSamePointsAtOnce)
+{
+    const Silence silence;
+    Random random(29'008);
+    std::vector<Gathering> gatherings;
+    for (std::size_t i = 0; i < 60; ++i) {
+        gatherings.emplace_back(random, AllRegimes[i % AllRegimes.size()],
+                                AllPositions[i % AllPositions.size()]);
+    }
+    std::atomic<int> wrong{0};
+    const auto ask = [&gatherings, &wrong] {
+        for (int round = 0; round < 10; ++round) {
+            for (const Gathering& gathering : gatherings) {
+                const PointCase& p = gathering.m_Points[0];
+                const PointCase& q = gathering.m_Points[1];
+                const int order = DyadicOrder(p.m_Exact, q.m_Exact);
+                wrong += (LexicographicOrder(*p.m_Point, *q.m_Point) == 1) != (order > 0);
+                wrong += (ZULMRSBSPPredicates::ArePointsEqual(*p.m_Point, *q.m_Point) == 1) != (order == 0);
+                wrong += SignOfTripleProduct(gathering.Plane(0), gathering.Plane(1), gathering.Point(0),
+                                             gathering.Point(1)) != gathering.GetFirstSign();
+                wrong += SignOfTripleProduct(gathering.Plane(0), gathering.Point(0), gathering.Point(1),
+                                             gathering.Point(2)) != gathering.GetSecondSign();
+            }
+        }
+    };
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back(ask);
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(wrong.load(), 0);
+}
 
 //---------------------------------------------------------------- the heap
 

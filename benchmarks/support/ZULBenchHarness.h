@@ -60,7 +60,7 @@ void AnswerAll(const Items& items, Answer answer)
 
 /// Registers "workload/kind" for a kind: prepare() gives the items, answer(item) an int. Each iteration is
 /// one pass over all items, which are kept: every timed answer has been given once before. Scope lives while
-/// answers are given.
+/// items are prepared and answers given.
 template <class Scope, class Prepare, class Answer>
 void RegisterKept(const std::string& workload, const Kind& kind, Prepare prepare, Answer answer)
 {

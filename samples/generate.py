@@ -2,6 +2,8 @@
 """Writes the sample programs beside this script: bracket.nc, relief.nc and engraving.nc.
 
 With --check nothing is written; the exit status is 1 if a file differs from what would be written.
+With --raster MOVES FILE only a relief of that many cutting moves is written, for measuring: the features keep
+their size and the block grows, so that the surface left is in proportion to the moves.
 """
 
 import math
@@ -252,6 +254,40 @@ def relief():
     return p.lines
 
 
+# The raster: waves without end, in rows of the same cutter over a square as large as the moves need.
+
+RASTER_STEP, RASTER_ROW, RASTER_MARGIN = 0.5, 0.4, 2.0
+
+
+def raster_height(x, y):
+    return -1.3 + 0.6 * math.sin(0.9 * x + 0.5 * y) + 0.5 * math.sin(1.1 * y - 0.3 * x)
+
+
+def raster_shape(moves):
+    """Moves along a row, and rows. The steps from row to row are moves too, and so is the one into the block."""
+    along = max(1, round(math.sqrt(moves * RASTER_ROW / RASTER_STEP)))
+    return along, math.ceil(moves / (along + 1))
+
+
+def raster(moves):
+    along, rows = raster_shape(moves)
+    width = along * RASTER_STEP + 2 * RASTER_MARGIN
+    depth = (rows - 1) * RASTER_ROW + 2 * RASTER_MARGIN
+    p = Program(("1004", "RASTER"), [f"STOCK {number(width)} X {number(depth)} X 8, ZERO AT THE FRONT LEFT TOP CORNER",
+                                     "T1 = 3 MM BALL NOSE"])
+    p.tool(1, "3 MM BALL NOSE", 18000)
+    p.rapid(X=RASTER_MARGIN, Y=RASTER_MARGIN)
+    p.rapid(Z=1)
+    for n in range(moves):
+        row, column = divmod(n, along + 1)
+        x = RASTER_MARGIN + RASTER_STEP * (column if row % 2 == 0 else along - column)
+        y = RASTER_MARGIN + RASTER_ROW * row
+        p.line(1500, X=x, Y=y, Z=raster_height(x, y))
+    p.rapid(Z=25)
+    p.end()
+    return p.lines
+
+
 # The engraving: a rosette of arcs round three letters.
 
 
@@ -340,7 +376,17 @@ def engraving():
     return p.lines
 
 
+def write_raster(moves, file):
+    if not moves.isdigit() or not 1 <= int(moves) <= 10_000_000:
+        print("--raster takes from 1 to 10000000 moves and a file", file=sys.stderr)
+        return 1
+    pathlib.Path(file).write_bytes(("\n".join(raster(int(moves))) + "\n").encode("ascii"))
+    return 0
+
+
 def main():
+    if len(sys.argv) == 4 and sys.argv[1] == "--raster":
+        return write_raster(sys.argv[2], sys.argv[3])
     check = sys.argv[1:] == ["--check"]
     folder = pathlib.Path(__file__).resolve().parent
     differs = False

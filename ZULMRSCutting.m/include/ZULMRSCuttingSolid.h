@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -24,13 +25,16 @@ struct ZULMRSCuttingOptions {
     std::size_t m_MaxCellsPerLeaf = 24;
     /// When positive, plane equations are snapped to the grid of this tolerance.
     double m_GriddingTolerance = 0.0;
+    /// Threads that SubtractAll() and the reading of the result use; 0: one a processor. The result does not
+    /// depend on it.
+    std::size_t m_NbThreads = 1;
 };
 
 /// A solid under cutting: convex cells that conform (a polygon between two cells is one shared object, held
 /// by both with opposite orientations; a polygon held once is on the surface), inside a spatial division by
 /// axis-parallel planes, so that an operation costs by what it touches. Every decision is exact. All planes
-/// and points come from the solid's own object factory. Not synchronised: one solid is used by one thread at
-/// a time.
+/// come from the solid's own object factory. Not synchronised: one solid is used by one thread at a time,
+/// which may have it use more.
 class ZULMRSCutting_API ZULMRSCuttingSolid
 {
 public:
@@ -44,6 +48,13 @@ public:
     /// Removes what lies inside the tool; true when anything was removed. A half-space whose normal is
     /// refused (length zero or not finite) is left out.
     bool Subtract(const ZULMRSConvexTool& tool);
+    /// Told, on the calling thread, which part of the work is done: from 0 to 1, ascending.
+    using ProgressCall = std::function<void(double part)>;
+    /// Removes what lies inside any of the tools, as Subtract() of one after the other would, and tells for
+    /// each whether it removed anything. The same tools give the same cells whatever the number of threads;
+    /// other cells, of the same solid, than tools given one by one.
+    std::vector<bool> SubtractAll(const std::vector<ZULMRSConvexTool>& tools,
+                                  const ProgressCall& progress = nullptr);
     /// Keeps only what lies inside the tool; true when anything was removed.
     bool KeepInside(const ZULMRSConvexTool& tool);
     /// Splits every cell that the plane (a, b, c, d) crosses; nothing is removed. Returns the number of cells
@@ -61,9 +72,9 @@ public:
     /// As ZULMRSExtractSurface of the cells.
     ZULMRSSurfaceMesh ExtractSurface() const;
 
-    /// Drops every shared object that the cells no longer use. Runs by itself from time to time.
+    /// Drops every shared plane that the cells no longer use. Runs by itself from time to time.
     void Compact();
-    /// The factory of planes and points; borrowed.
+    /// The factory of planes; borrowed.
     ZULMRSBSPObjectFactory& GetFactory();
 
 private:

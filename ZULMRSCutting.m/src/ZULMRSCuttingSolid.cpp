@@ -12,12 +12,18 @@ ZULMRSCuttingSolid::~ZULMRSCuttingSolid() = default;
 
 bool ZULMRSCuttingSolid::Subtract(const ZULMRSConvexTool& tool)
 {
-    return m_Impl->Subtract(tool);
+    return m_Impl->Apply(tool, Impl::Operation::Subtract);
+}
+
+std::vector<bool> ZULMRSCuttingSolid::SubtractAll(const std::vector<ZULMRSConvexTool>& tools,
+                                                  const ProgressCall& progress)
+{
+    return m_Impl->SubtractAll(tools, progress);
 }
 
 bool ZULMRSCuttingSolid::KeepInside(const ZULMRSConvexTool& tool)
 {
-    return m_Impl->KeepInside(tool);
+    return m_Impl->Apply(tool, Impl::Operation::KeepInside);
 }
 
 std::size_t ZULMRSCuttingSolid::Split(const std::array<double, 4>& equation)
@@ -27,12 +33,12 @@ std::size_t ZULMRSCuttingSolid::Split(const std::array<double, 4>& equation)
 
 std::size_t ZULMRSCuttingSolid::GetNbCells() const
 {
-    return m_Impl->GetComplex().GetNbCells();
+    return m_Impl->GetNbCells();
 }
 
 std::size_t ZULMRSCuttingSolid::GetNbSurfaceFaces() const
 {
-    return m_Impl->GetComplex().GetNbSurfaceFaces();
+    return m_Impl->GetNbSurfaceFaces();
 }
 
 std::vector<ZULMRSBSPPolyhedron*> ZULMRSCuttingSolid::GetCells() const

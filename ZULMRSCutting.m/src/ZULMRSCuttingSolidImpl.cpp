@@ -2,14 +2,21 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
+#include <mutex>
+#include <thread>
+#include <utility>
 
+#include "ZULMRSCutPlan.h"
 #include "ZULMRSExactPlanes.h"
+#include "ZULMRSTaskGraph.h"
 
 namespace
 {
 constexpr double LeafSizesPerExtent = 16.0;
-constexpr double LeastLeafPerLeafSize = 1.0 / 16.0;
+/// Parts of the division that are cut by one thread at a time, where there is enough to do in them.
+constexpr double PartSizePerLeafSize = 0.5;
+/// Planes in the factory that are not worth looking through.
+constexpr std::uint64_t LeastCompactAt = 1U << 14;
 
 bool HasVolume(const ZULMathOBB& box)
 {
@@ -17,61 +24,151 @@ bool HasVolume(const ZULMathOBB& box)
     return volume > 0.0 && std::isfinite(volume);
 }
 
+/// Whether the first of the normal's components that is not zero is negative.
+bool LooksDown(const std::array<double, 4>& equation)
+{
+    const auto first =
+        std::find_if(equation.begin(), equation.begin() + 3, [](double value) { return value != 0.0; });
+    return first != equation.begin() + 3 && *first < 0.0;
+}
 }  // namespace
 
 ZULMRSCuttingSolid::Impl::Impl(const ZULMathOBB& stock, const ZULMRSCuttingOptions& options)
-    : m_Options(options),
-      m_Factory(ZULMRSCreateObjectFactory(false)),
-      m_Complex(std::make_unique<ZULMRSCellComplex>(*m_Factory))
+    : m_Options(options), m_Factory(ZULMRSCreateObjectFactory(false)), m_CompactAt(LeastCompactAt)
 {
+    if (m_Options.m_NbThreads == 0) {
+        m_Options.m_NbThreads = std::max(1U, std::thread::hardware_concurrency());
+    }
     if (m_Options.m_GriddingTolerance > 0.0 &&
         m_Factory->SetGriddingTolerance(stock, m_Options.m_GriddingTolerance) != ZULMRSNoError) {
         m_Options.m_GriddingTolerance = 0.0;
     }
-    const CellId cell = HasVolume(stock) ? AddStock(stock) : ZULMRSCellComplex::NoCell;
-    if (cell == ZULMRSCellComplex::NoCell) {
+    ZULMRSCell* cell = HasVolume(stock) ? MakeStock(stock) : nullptr;
+    if (cell == nullptr) {
         return;
     }
-    UpdateBox(cell);
-    m_Nodes.push_back({m_CellBoxes[cell], 0, {cell}});
+    m_Root = std::make_unique<ZULMRSSpatialNode>();
+    m_Root->m_Box = cell->m_Box;
+    m_Root->m_Cells.push_back(cell);
     if (m_Options.m_LeafSize <= 0.0) {
-        m_Options.m_LeafSize = LongestSide(0) / LeafSizesPerExtent;
+        m_Options.m_LeafSize = m_Root->LongestSide() / LeafSizesPerExtent;
+    }
+    for (std::size_t thread = 0; thread < m_Options.m_NbThreads; ++thread) {
+        m_Cutters.push_back(std::make_unique<ZULMRSLeafCutter>(*m_Factory, m_Options));
     }
 }
 
-ZULMRSCuttingSolid::Impl::CellId ZULMRSCuttingSolid::Impl::AddStock(const ZULMathOBB& stock)
+ZULMRSCuttingSolid::Impl::~Impl()
+{
+    m_Cutters.clear();
+    std::vector<const ZULMRSSpatialNode*> leaves;
+    if (m_Root != nullptr) {
+        m_Root->ForEachLeaf([&](const ZULMRSSpatialNode& leaf) { leaves.push_back(&leaf); });
+    }
+    ZULMRSParallelFor(leaves.size(), m_Options.m_NbThreads, [&](std::size_t leaf, std::size_t) {
+        for (ZULMRSCell* cell : leaves[leaf]->m_Cells) {
+            cell->Release();
+        }
+    });
+}
+
+ZULMRSCell* ZULMRSCuttingSolid::Impl::MakeStock(const ZULMathOBB& stock)
 {
     if (m_Options.m_GriddingTolerance > 0.0) {
-        return m_Complex->AddBox(stock, *m_Factory);
+        return ZULMRSMakeBoxCell(stock, *m_Factory);
     }
     ZULMRSExactPlanes exactPlanes(*m_Factory);
-    return m_Complex->AddBox(stock, exactPlanes);
+    return ZULMRSMakeBoxCell(stock, exactPlanes);
 }
 
 bool ZULMRSCuttingSolid::Impl::Apply(const ZULMRSConvexTool& tool, Operation operation)
 {
-    if (m_Nodes.empty()) {
+    if (m_Root == nullptr) {
         return false;
     }
-    Bounds bounds;
-    for (const std::array<double, 4>& equation : tool.m_HalfSpaces) {
-        AcquireBound(equation, bounds);
-    }
-    const bool hasChanged = Visit(0, bounds, operation);
+    const Bounds bounds = AcquireBounds(tool);
+    const bool hasChanged = m_Cutters.front()->Apply(*m_Root, bounds, operation);
     ReleaseBounds(bounds);
-    if (m_Complex->IsCompactDue()) {
-        Compact();
-    }
+    CompactWhenDue();
     return hasChanged;
+}
+
+std::vector<bool> ZULMRSCuttingSolid::Impl::SubtractAll(const std::vector<ZULMRSConvexTool>& tools,
+                                                        const ProgressCall& progress)
+{
+    std::vector<bool> hasCut(tools.size(), false);
+    if (m_Root == nullptr) {
+        return hasCut;
+    }
+    std::vector<Bounds> bounds(tools.size());
+    ZULMRSParallelFor(tools.size(), m_Options.m_NbThreads,
+                      [&](std::size_t tool, std::size_t) { bounds[tool] = AcquireBounds(tools[tool]); });
+
+    const double partSize = m_Options.m_LeafSize * PartSizePerLeafSize;
+    for (const Bounds& tool : bounds) {
+        m_Cutters.front()->Prepare(*m_Root, tool, partSize);
+    }
+    ZULMRSCutPlan plan(*m_Root, partSize);
+    for (std::size_t tool = 0; tool < bounds.size(); ++tool) {
+        plan.AddTool(static_cast<std::uint32_t>(tool), bounds[tool]);
+    }
+    RunPlan(plan, bounds, hasCut, progress);
+    std::for_each(bounds.begin(), bounds.end(), ReleaseBounds);
+    CompactWhenDue();
+    return hasCut;
+}
+
+void ZULMRSCuttingSolid::Impl::RunPlan(ZULMRSCutPlan& plan, const std::vector<Bounds>& bounds,
+                                       std::vector<bool>& hasCut, const ProgressCall& progress)
+{
+    const std::size_t nbCuts = plan.GetNbCuts();
+    std::size_t nbDone = 0;
+    std::mutex guard;
+    plan.Run(m_Options.m_NbThreads, [&](const ZULMRSCutPlan::Task& task, std::size_t worker) {
+        std::vector<std::uint32_t> effective;
+        for (const std::uint32_t tool : task.m_Tools) {
+            if (m_Cutters[worker]->Apply(*task.m_Node, bounds[tool], Operation::Subtract)) {
+                effective.push_back(tool);
+            }
+        }
+        const std::lock_guard<std::mutex> lock(guard);
+        for (const std::uint32_t tool : effective) {
+            hasCut[tool] = true;
+        }
+        nbDone += task.m_Tools.size();
+        if (worker == 0 && progress) {
+            progress(static_cast<double>(nbDone) / static_cast<double>(nbCuts));
+        }
+    });
 }
 
 std::size_t ZULMRSCuttingSolid::Impl::Split(const std::array<double, 4>& equation)
 {
     Bounds bounds;
     std::size_t count = 0;
-    if (!m_Nodes.empty() && AcquireBound(equation, bounds)) {
-        SplitIn(0, bounds.front(), count);
+    if (m_Root != nullptr && AcquireBound(equation, bounds)) {
+        count = m_Cutters.front()->Split(*m_Root, bounds.front());
         ReleaseBounds(bounds);
+    }
+    return count;
+}
+
+std::size_t ZULMRSCuttingSolid::Impl::GetNbCells() const
+{
+    std::size_t count = 0;
+    if (m_Root != nullptr) {
+        m_Root->ForEachLeaf([&](const ZULMRSSpatialNode& leaf) { count += leaf.m_Cells.size(); });
+    }
+    return count;
+}
+
+std::size_t ZULMRSCuttingSolid::Impl::GetNbSurfaceFaces() const
+{
+    std::size_t count = 0;
+    for (const ZULMRSBSPPolyhedron* cell : GetCellsInTreeOrder()) {
+        for (const ZULMRSBSPPolygon* polygon : cell->GetPolygons()) {
+            count += static_cast<const ZULMRSFace*>(polygon)->IsOnSurface() ? 1U : 0U;
+        }
     }
     return count;
 }
@@ -79,15 +176,41 @@ std::size_t ZULMRSCuttingSolid::Impl::Split(const std::array<double, 4>& equatio
 std::vector<ZULMRSBSPPolyhedron*> ZULMRSCuttingSolid::Impl::GetCellsInTreeOrder() const
 {
     std::vector<ZULMRSBSPPolyhedron*> cells;
-    cells.reserve(m_Complex->GetNbCells());
-    if (!m_Nodes.empty()) {
-        CollectCells(0, cells);
+    if (m_Root != nullptr) {
+        cells.reserve(GetNbCells());
+        m_Root->ForEachLeaf([&](const ZULMRSSpatialNode& leaf) {
+            cells.insert(cells.end(), leaf.m_Cells.begin(), leaf.m_Cells.end());
+        });
     }
     return cells;
 }
 
+void ZULMRSCuttingSolid::Impl::Compact()
+{
+    m_Factory->Tass();
+    m_CompactAt = std::max(LeastCompactAt, 2 * m_Factory->Size());
+}
+
+void ZULMRSCuttingSolid::Impl::CompactWhenDue()
+{
+    if (m_Factory->Size() > m_CompactAt) {
+        Compact();
+    }
+}
+
+ZULMRSCuttingSolid::Impl::Bounds ZULMRSCuttingSolid::Impl::AcquireBounds(const ZULMRSConvexTool& tool)
+{
+    Bounds bounds;
+    bounds.reserve(tool.m_HalfSpaces.size());
+    for (const std::array<double, 4>& equation : tool.m_HalfSpaces) {
+        AcquireBound(equation, bounds);
+    }
+    return bounds;
+}
+
 /// Takes a reference on the shared plane of a half-space; a plane given twice is taken once. False when it is
-/// refused.
+/// refused. A half-space and its opposite ask for the same numbers, none of them a negative zero: which of
+/// several threads asks first must not show.
 bool ZULMRSCuttingSolid::Impl::AcquireBound(const std::array<double, 4>& equation, Bounds& bounds)
 {
     const bool isFinite =
@@ -95,15 +218,20 @@ bool ZULMRSCuttingSolid::Impl::AcquireBound(const std::array<double, 4>& equatio
     if (!isFinite || (equation[0] == 0.0 && equation[1] == 0.0 && equation[2] == 0.0)) {
         return false;
     }
+    const double turn = LooksDown(equation) ? -1.0 : 1.0;
+    std::array<double, 4> turned = equation;
+    for (double& coefficient : turned) {
+        coefficient = coefficient * turn + 0.0;
+    }
     const unsigned int flags = m_Options.m_GriddingTolerance > 0.0
                                    ? ZULMRSBSPCreatePlane_AcceptOpposite | ZULMRSBSPCreatePlane_Quantize
                                    : ZULMRSBSPCreatePlane_AcceptOpposite;
     bool isOpposite = false;
-    ZULMRSBSPPlane* plane = m_Factory->CreatePlane(equation, isOpposite, flags);
+    ZULMRSBSPPlane* plane = m_Factory->CreatePlane(turned, isOpposite, flags);
     if (plane == nullptr) {
         return false;
     }
-    const int sign = isOpposite ? -1 : 1;
+    const int sign = isOpposite != (turn < 0.0) ? -1 : 1;
     const bool isKnown = std::any_of(bounds.begin(), bounds.end(), [&](const Bound& bound) {
         return bound.m_Plane == plane && bound.m_Sign == sign;
     });
@@ -121,244 +249,7 @@ bool ZULMRSCuttingSolid::Impl::AcquireBound(const std::array<double, 4>& equatio
 
 void ZULMRSCuttingSolid::Impl::ReleaseBounds(const Bounds& bounds)
 {
-    m_Complex->ForgetPlanes();
     for (const Bound& bound : bounds) {
         bound.m_Plane->Release();
-    }
-}
-
-bool ZULMRSCuttingSolid::Impl::Visit(std::uint32_t node, const Bounds& bounds, Operation operation)
-{
-    Bounds active;
-    for (const Bound& bound : bounds) {
-        switch (m_Nodes[node].m_Box.Locate(bound.m_Outward)) {
-            case ZULMRSLeafBox::Position::InFront:
-                return operation == Operation::KeepInside && RemoveAll(node);
-            case ZULMRSLeafBox::Position::Unknown:
-                active.push_back(bound);
-                break;
-            case ZULMRSLeafBox::Position::Behind:
-                break;
-        }
-    }
-    if (active.empty()) {
-        return operation == Operation::Subtract && RemoveAll(node);
-    }
-    if (!IsLeaf(node)) {
-        return VisitChildren(node, active, operation);
-    }
-    if (m_Nodes[node].m_Cells.empty()) {
-        return false;
-    }
-    if (LongestSide(node) > m_Options.m_LeafSize && Refine(node)) {
-        return VisitChildren(node, active, operation);
-    }
-    const bool hasChanged = CutLeaf(node, active, operation);
-    RefineCrowded(node);
-    return hasChanged;
-}
-
-void ZULMRSCuttingSolid::Impl::RefineCrowded(std::uint32_t node)
-{
-    const bool isCrowded = m_Nodes[node].m_Cells.size() > m_Options.m_MaxCellsPerLeaf &&
-                           LongestSide(node) > m_Options.m_LeafSize * LeastLeafPerLeafSize;
-    if (isCrowded && Refine(node)) {
-        const std::uint32_t first = m_Nodes[node].m_FirstChild;
-        RefineCrowded(first);
-        RefineCrowded(first + 1);
-    }
-}
-
-bool ZULMRSCuttingSolid::Impl::VisitChildren(std::uint32_t node, const Bounds& bounds, Operation operation)
-{
-    const std::uint32_t first = m_Nodes[node].m_FirstChild;
-    const bool hasChangedFirst = Visit(first, bounds, operation);
-    const bool hasChangedSecond = Visit(first + 1, bounds, operation);
-    return hasChangedFirst || hasChangedSecond;
-}
-
-bool ZULMRSCuttingSolid::Impl::RemoveAll(std::uint32_t node)
-{
-    if (!IsLeaf(node)) {
-        const bool hasChangedFirst = RemoveAll(m_Nodes[node].m_FirstChild);
-        const bool hasChangedSecond = RemoveAll(m_Nodes[node].m_FirstChild + 1);
-        return hasChangedFirst || hasChangedSecond;
-    }
-    std::vector<CellId>& cells = m_Nodes[node].m_Cells;
-    const bool hasChanged = !cells.empty();
-    for (const CellId cell : cells) {
-        m_Complex->Remove(cell);
-    }
-    cells.clear();
-    cells.shrink_to_fit();
-    return hasChanged;
-}
-
-bool ZULMRSCuttingSolid::Impl::CutLeaf(std::uint32_t node, const Bounds& bounds, Operation operation)
-{
-    std::vector<CellId> remaining;
-    bool hasChanged = false;
-    for (const CellId cell : m_Nodes[node].m_Cells) {
-        hasChanged = CutCell(cell, bounds, operation, remaining) || hasChanged;
-    }
-    m_Nodes[node].m_Cells.swap(remaining);
-    return hasChanged;
-}
-
-/// Applies the tool to one cell; what is left of it joins the remaining cells. True when anything was
-/// removed.
-bool ZULMRSCuttingSolid::Impl::CutCell(CellId cell, const Bounds& bounds, Operation operation,
-                                       std::vector<CellId>& remaining)
-{
-    const bool isSubtract = operation == Operation::Subtract;
-    const auto settle = [&](CellId part, bool isKept) {
-        if (isKept) {
-            remaining.push_back(part);
-        } else {
-            m_Complex->Remove(part);
-        }
-        return !isKept;
-    };
-    Bounds crossing;
-    for (const Bound& bound : bounds) {
-        switch (Locate(cell, bound)) {
-            case ZULMRSCellComplex::Position::InFront:
-                return settle(cell, isSubtract);
-            case ZULMRSCellComplex::Position::Crossing:
-                crossing.push_back(bound);
-                break;
-            case ZULMRSCellComplex::Position::Behind:
-                break;
-        }
-    }
-    if (crossing.size() > 1) {
-        m_Probe.Sort(m_Complex->GetCell(cell), crossing);
-    }
-    bool hasChanged = false;
-    for (const Bound& bound : crossing) {
-        const ZULMRSCellComplex::Position position = Locate(cell, bound);
-        if (position == ZULMRSCellComplex::Position::InFront) {
-            return settle(cell, isSubtract) || hasChanged;
-        }
-        if (position == ZULMRSCellComplex::Position::Crossing) {
-            const CellId front = SplitCell(cell, bound.m_Plane);
-            const CellId outside = bound.m_Sign > 0 ? front : cell;
-            cell = bound.m_Sign > 0 ? cell : front;
-            hasChanged = settle(outside, isSubtract) || hasChanged;
-        }
-    }
-    return settle(cell, !isSubtract) || hasChanged;
-}
-
-/// Where a cell lies with respect to a tool's plane, front being the side that the tool leaves alone.
-ZULMRSCellComplex::Position ZULMRSCuttingSolid::Impl::Locate(CellId cell, const Bound& bound)
-{
-    using Position = ZULMRSCellComplex::Position;
-    switch (m_CellBoxes[cell].Locate(bound.m_Outward)) {
-        case ZULMRSLeafBox::Position::InFront:
-            return Position::InFront;
-        case ZULMRSLeafBox::Position::Behind:
-            return Position::Behind;
-        case ZULMRSLeafBox::Position::Unknown:
-            break;
-    }
-    const Position position = m_Complex->Locate(cell, *bound.m_Plane);
-    if (bound.m_Sign > 0 || position == Position::Crossing) {
-        return position;
-    }
-    return position == Position::InFront ? Position::Behind : Position::InFront;
-}
-
-ZULMRSCuttingSolid::Impl::CellId ZULMRSCuttingSolid::Impl::SplitCell(CellId cell, ZULMRSBSPPlane* plane)
-{
-    const CellId front = m_Complex->Split(cell, plane);
-    UpdateBox(cell);
-    UpdateBox(front);
-    return front;
-}
-
-void ZULMRSCuttingSolid::Impl::UpdateBox(CellId cell)
-{
-    if (cell >= m_CellBoxes.size()) {
-        m_CellBoxes.resize(cell + 1);
-    }
-    m_CellBoxes[cell] = ZULMRSLeafBox::Around(m_Complex->GetCell(cell));
-}
-
-void ZULMRSCuttingSolid::Impl::SplitIn(std::uint32_t node, const Bound& bound, std::size_t& count)
-{
-    if (m_Nodes[node].m_Box.Locate(bound.m_Outward) != ZULMRSLeafBox::Position::Unknown) {
-        return;
-    }
-    if (IsLeaf(node)) {
-        count += SplitLeaf(node, bound.m_Plane);
-        return;
-    }
-    SplitIn(m_Nodes[node].m_FirstChild, bound, count);
-    SplitIn(m_Nodes[node].m_FirstChild + 1, bound, count);
-}
-
-std::size_t ZULMRSCuttingSolid::Impl::SplitLeaf(std::uint32_t node, ZULMRSBSPPlane* plane)
-{
-    std::vector<CellId>& cells = m_Nodes[node].m_Cells;
-    const std::size_t before = cells.size();
-    for (std::size_t index = 0; index < before; ++index) {
-        if (m_Complex->Locate(cells[index], *plane) == ZULMRSCellComplex::Position::Crossing) {
-            cells.push_back(SplitCell(cells[index], plane));
-        }
-    }
-    return cells.size() - before;
-}
-
-/// Divides a leaf by a wall across its longest side; false when there is no place for one.
-bool ZULMRSCuttingSolid::Impl::Refine(std::uint32_t node)
-{
-    const ZULMRSLeafBox box = m_Nodes[node].m_Box;
-    const std::size_t axis = box.LongestAxis();
-    const double middle = box.Middle(axis);
-    if (!(middle > box.m_Low[axis] && middle < box.m_High[axis])) {
-        return false;
-    }
-    std::array<double, 4> equation{0.0, 0.0, 0.0, -middle};
-    equation[axis] = 1.0;
-    bool isOpposite = false;
-    ZULMRSBSPPlane* wall = m_Factory->CreatePlane(equation, isOpposite, ZULMRSBSPCreatePlane_AcceptOpposite);
-    SplitLeaf(node, wall);
-
-    Node low{box, 0, {}};
-    Node high{box, 0, {}};
-    low.m_Box.m_High[axis] = middle;
-    high.m_Box.m_Low[axis] = middle;
-    for (const CellId cell : m_Nodes[node].m_Cells) {
-        const bool isInFront = m_Complex->Locate(cell, *wall) == ZULMRSCellComplex::Position::InFront;
-        (isInFront != isOpposite ? high : low).m_Cells.push_back(cell);
-    }
-    m_Complex->ForgetPlanes();
-    wall->Release();
-
-    m_Nodes[node].m_FirstChild = static_cast<std::uint32_t>(m_Nodes.size());
-    m_Nodes[node].m_Cells.clear();
-    m_Nodes[node].m_Cells.shrink_to_fit();
-    m_Nodes.push_back(std::move(low));
-    m_Nodes.push_back(std::move(high));
-    return true;
-}
-
-double ZULMRSCuttingSolid::Impl::LongestSide(std::uint32_t node) const
-{
-    const ZULMRSLeafBox& box = m_Nodes[node].m_Box;
-    return box.Length(box.LongestAxis());
-}
-
-void ZULMRSCuttingSolid::Impl::CollectCells(std::uint32_t node,
-                                            std::vector<ZULMRSBSPPolyhedron*>& cells) const
-{
-    if (!IsLeaf(node)) {
-        CollectCells(m_Nodes[node].m_FirstChild, cells);
-        CollectCells(m_Nodes[node].m_FirstChild + 1, cells);
-        return;
-    }
-    for (const CellId cell : m_Nodes[node].m_Cells) {
-        cells.push_back(const_cast<ZULMRSBSPPolyhedron*>(&m_Complex->GetCell(cell)));
     }
 }

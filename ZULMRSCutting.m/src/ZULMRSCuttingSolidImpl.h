@@ -7,67 +7,50 @@
 #include <memory>
 #include <vector>
 
-#include "ZULMRSCellComplex.h"
-#include "ZULMRSCellProbe.h"
+#include "ZULMRSCutPlan.h"
 #include "ZULMRSCuttingSolid.h"
-#include "ZULMRSLeafBox.h"
+#include "ZULMRSLeafCutter.h"
+#include "ZULMRSSpatialNode.h"
 
-/// The spatial division over a cell complex: a binary tree whose leaves own the cells inside their boxes.
+/// The spatial division of the stock, the factory of its planes, and what each thread needs to cut.
 class ZULMRSCuttingSolid::Impl
 {
 public:
-    Impl(const ZULMathOBB& stock, const ZULMRSCuttingOptions& options);
+    using Operation = ZULMRSLeafCutter::Operation;
 
-    bool Subtract(const ZULMRSConvexTool& tool) { return Apply(tool, Operation::Subtract); }
-    bool KeepInside(const ZULMRSConvexTool& tool) { return Apply(tool, Operation::KeepInside); }
+    Impl(const ZULMathOBB& stock, const ZULMRSCuttingOptions& options);
+    ~Impl();
+    Impl(const Impl&) = delete;
+    Impl& operator=(const Impl&) = delete;
+
+    bool Apply(const ZULMRSConvexTool& tool, Operation operation);
+    std::vector<bool> SubtractAll(const std::vector<ZULMRSConvexTool>& tools, const ProgressCall& progress);
     std::size_t Split(const std::array<double, 4>& equation);
 
-    const ZULMRSCellComplex& GetComplex() const { return *m_Complex; }
+    std::size_t GetNbCells() const;
+    std::size_t GetNbSurfaceFaces() const;
     ZULMRSBSPObjectFactory& GetFactory() { return *m_Factory; }
+    std::size_t GetNbThreads() const { return m_Options.m_NbThreads; }
     std::vector<ZULMRSBSPPolyhedron*> GetCellsInTreeOrder() const;
-    void Compact() { m_Complex->Compact(); }
+    void Compact();
 
 private:
-    using CellId = ZULMRSCellComplex::CellId;
-    enum class Operation { Subtract, KeepInside };
+    using Bound = ZULMRSLeafCutter::Bound;
+    using Bounds = ZULMRSLeafCutter::Bounds;
 
-    struct Node {
-        ZULMRSLeafBox m_Box;
-        std::uint32_t m_FirstChild = 0;  // 0: a leaf; the second child follows the first
-        std::vector<CellId> m_Cells;     // of a leaf
-    };
-
-    using Bound = ZULMRSToolBound;
-    using Bounds = std::vector<Bound>;
-
-    CellId AddStock(const ZULMathOBB& stock);
-    bool Apply(const ZULMRSConvexTool& tool, Operation operation);
+    ZULMRSCell* MakeStock(const ZULMathOBB& stock);
+    Bounds AcquireBounds(const ZULMRSConvexTool& tool);
     bool AcquireBound(const std::array<double, 4>& equation, Bounds& bounds);
-    void ReleaseBounds(const Bounds& bounds);
-
-    bool Visit(std::uint32_t node, const Bounds& bounds, Operation operation);
-    bool VisitChildren(std::uint32_t node, const Bounds& bounds, Operation operation);
-    bool RemoveAll(std::uint32_t node);
-    bool CutLeaf(std::uint32_t node, const Bounds& bounds, Operation operation);
-    bool CutCell(CellId cell, const Bounds& bounds, Operation operation, std::vector<CellId>& remaining);
-    ZULMRSCellComplex::Position Locate(CellId cell, const Bound& bound);
-    CellId SplitCell(CellId cell, ZULMRSBSPPlane* plane);
-    void UpdateBox(CellId cell);
-    std::size_t SplitLeaf(std::uint32_t node, ZULMRSBSPPlane* plane);
-    void SplitIn(std::uint32_t node, const Bound& bound, std::size_t& count);
-
-    bool IsLeaf(std::uint32_t node) const { return m_Nodes[node].m_FirstChild == 0; }
-    bool Refine(std::uint32_t node);
-    void RefineCrowded(std::uint32_t node);
-    double LongestSide(std::uint32_t node) const;
-    void CollectCells(std::uint32_t node, std::vector<ZULMRSBSPPolyhedron*>& cells) const;
+    static void ReleaseBounds(const Bounds& bounds);
+    void RunPlan(ZULMRSCutPlan& plan, const std::vector<Bounds>& bounds, std::vector<bool>& hasCut,
+                 const ProgressCall& progress);
+    void CompactWhenDue();
 
     ZULMRSCuttingOptions m_Options;
     std::unique_ptr<ZULMRSBSPObjectFactory> m_Factory;
-    std::unique_ptr<ZULMRSCellComplex> m_Complex;
-    ZULMRSCellProbe m_Probe;
-    std::vector<ZULMRSLeafBox> m_CellBoxes;  // by cell
-    std::vector<Node> m_Nodes;               // the root first; empty for an empty solid
+    std::unique_ptr<ZULMRSSpatialNode> m_Root;                 // null for an empty solid
+    std::vector<std::unique_ptr<ZULMRSLeafCutter>> m_Cutters;  // one a thread
+    std::uint64_t m_CompactAt;
 };
 
 #endif

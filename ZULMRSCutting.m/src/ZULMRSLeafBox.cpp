@@ -58,13 +58,11 @@ void Include(ZULMRSLeafBox& box, const ZULMRSBSPPoint& point)
 }
 }  // namespace
 
-ZULMRSLeafBox ZULMRSLeafBox::Around(const ZULMRSBSPPolyhedron& cell)
+ZULMRSLeafBox ZULMRSLeafBox::Around(const std::vector<ZULMRSBSPPoint*>& vertices)
 {
     ZULMRSLeafBox box{{Infinity, Infinity, Infinity}, {-Infinity, -Infinity, -Infinity}};
-    for (const ZULMRSBSPPolygon* polygon : cell.GetPolygons()) {
-        for (const ZULMRSBSPPoint* point : polygon->GetPoints()) {
-            Include(box, *point);
-        }
+    for (const ZULMRSBSPPoint* point : vertices) {
+        Include(box, *point);
     }
     return box;
 }

@@ -3,8 +3,9 @@
 
 #include <array>
 #include <cstddef>
+#include <vector>
 
-#include "ZULMRSBSPPolyhedron.h"
+#include "ZULMRSBSPPoint.h"
 
 /// An axis-parallel box, of a leaf of the spatial division or round a cell. What it stands for lies inside
 /// it, exactly.
@@ -12,13 +13,23 @@ struct ZULMRSLeafBox {
     std::array<double, 3> m_Low;
     std::array<double, 3> m_High;
 
-    /// A box that contains the cell for certain: infinite where its points' kept numbers tell nothing.
-    static ZULMRSLeafBox Around(const ZULMRSBSPPolyhedron& cell);
+    /// A box that contains the vertices for certain: infinite where their kept numbers tell nothing.
+    static ZULMRSLeafBox Around(const std::vector<ZULMRSBSPPoint*>& vertices);
 
     enum class Position { InFront, Behind, Unknown };
 
     /// Where the whole box lies with respect to a plane; Unknown also where doubles cannot tell.
     Position Locate(const std::array<double, 4>& equation) const;
+
+    /// Whether the boxes have a point in common, if only on their sides.
+    bool Touches(const ZULMRSLeafBox& other) const
+    {
+        bool isApart = false;
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            isApart = isApart || m_High[axis] < other.m_Low[axis] || other.m_High[axis] < m_Low[axis];
+        }
+        return !isApart;
+    }
 
     std::size_t LongestAxis() const;
     double Length(std::size_t axis) const { return m_High[axis] - m_Low[axis]; }

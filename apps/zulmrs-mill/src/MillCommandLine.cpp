@@ -32,6 +32,7 @@ struct Arguments {
     std::string m_Flat = "circumscribed";
     std::string m_Units = "mm";
     std::string m_Chord = "0.01";
+    std::optional<std::string> m_Threads;
     std::string m_Output;
     std::string m_Report;
     bool m_RunsDeletedBlocks = false;
@@ -52,6 +53,8 @@ void AddOptions(CLI::App& app, Arguments& arguments)
         "flat tools: circumscribed (cuts its full width; default) or inscribed (cuts nothing too much)");
     add("--units", arguments.m_Units, "UNIT", "mm or inch, of a program that states none (default mm)");
     add("--chord", arguments.m_Chord, "TOL", "how far chords may leave an arc, in mm (default 0.01)");
+    add("--threads", arguments.m_Threads, "N",
+        "threads, from 1 to 256 (default: one a processor); changes nothing but the time");
     add("-o,--output", arguments.m_Output, "FILE", "the part: .stl (binary), .obj or .ply");
     add("--report", arguments.m_Report, "FILE", "a report as JSON");
     app.add_flag("--run-deleted", arguments.m_RunsDeletedBlocks, "carry out blocks that start with '/'");
@@ -72,17 +75,16 @@ double ParseChord(const std::string& text)
     return value;
 }
 
-int ParseSides(const std::string& text)
+int ParseWholeNumber(const char* option, const std::string& text, int least, int most)
 {
     int value = 0;
     const char* const end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, value);
     if (error != std::errc() || stop != end) {
-        throw MillError("--sides", fmt::format("'{}' is not a whole number", NcPrintable(text)));
+        throw MillError(option, fmt::format("'{}' is not a whole number", NcPrintable(text)));
     }
-    if (value < kMillFewestSides || value > kMillMostSides) {
-        throw MillError("--sides",
-                        fmt::format("{} is not from {} to {}", value, kMillFewestSides, kMillMostSides));
+    if (value < least || value > most) {
+        throw MillError(option, fmt::format("{} is not from {} to {}", value, least, most));
     }
     return value;
 }
@@ -110,7 +112,7 @@ MillConfig ToConfig(const Arguments& arguments)
     for (const std::string& tool : arguments.m_Tools) {
         config.m_Tools.Add(tool);
     }
-    config.m_Sides = ParseSides(arguments.m_Sides);
+    config.m_Sides = ParseWholeNumber("--sides", arguments.m_Sides, kMillFewestSides, kMillMostSides);
     config.m_FlatKind = ParseChoice("--flat", arguments.m_Flat, "circumscribed", "inscribed")
                             ? MillSidesKind::Circumscribed
                             : MillSidesKind::Inscribed;
@@ -119,6 +121,9 @@ MillConfig ToConfig(const Arguments& arguments)
     config.m_Reading.m_runDeletedBlocks = arguments.m_RunsDeletedBlocks;
     config.m_Reading.m_readJoinedPrograms = arguments.m_ReadsJoinedPrograms;
     config.m_ChordTolerance = ParseChord(arguments.m_Chord);
+    if (arguments.m_Threads) {
+        config.m_Threads = ParseWholeNumber("--threads", *arguments.m_Threads, 1, kMillMostThreads);
+    }
     config.m_Output = arguments.m_Output;
     MillMeshFormatOf(config.m_Output);
     config.m_Report = arguments.m_Report;

@@ -48,12 +48,15 @@ struct MillConfig {
     /// Empty: not written.
     std::string m_Output;
     std::string m_Report;
+    /// Threads to cut with; 0: one a processor.
+    int m_Threads = 0;
     /// Diagnostics of the library are shown.
     bool m_IsVerbose = false;
 };
 
 /// Cut with when the user names no tool at all.
 constexpr MillShape kMillAssumedTool{MillShapeKind::Flat, 6.0, 0.0};
+constexpr int kMillMostThreads = 256;
 constexpr double kMillSmallestChordTolerance = 1e-5;
 constexpr double kMillLargestChordTolerance = 100.0;
 

@@ -1,6 +1,7 @@
 #ifndef MillCutter_h
 #define MillCutter_h
 
+#include <cstddef>
 #include <vector>
 
 #include "MillLattice.h"
@@ -13,7 +14,8 @@
 class MillCutter
 {
 public:
-    MillCutter(const MillBox& stock, const MillPath& path);
+    /// With that many threads; 0: one a processor. Nothing but the time depends on it. The path is borrowed.
+    MillCutter(const MillBox& stock, const MillPath& path, std::size_t nbThreads = 1);
 
     /// Sweeps every segment of the path in order.
     void CutAll(MillProgress& progress);
@@ -27,7 +29,7 @@ public:
 
 private:
     bool IsClearOfStock(const MillPathSegment& segment) const;
-    void Cut(const MillPathSegment& segment);
+    void CutBatch(std::size_t begin, std::size_t end, const ZULMRSCuttingSolid::ProgressCall& progress);
 
     MillBox m_Stock;
     const MillPath& m_Path;

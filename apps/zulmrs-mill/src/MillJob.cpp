@@ -45,7 +45,7 @@ public:
     MillResult Run()
     {
         Read();
-        MillCutter cutter(m_Result.m_Stock, m_Path);
+        MillCutter cutter(m_Result.m_Stock, m_Path, static_cast<std::size_t>(m_Config.m_Threads));
         Cut(cutter);
         ExtractSurface(cutter);
         WriteMesh();

@@ -42,6 +42,7 @@ TEST(MillCommandLine, HasDefaultsForAllButTheFiles)
     EXPECT_FALSE(config.m_Reading.m_runDeletedBlocks);
     EXPECT_FALSE(config.m_Reading.m_readJoinedPrograms);
     EXPECT_FALSE(config.m_IsVerbose);
+    EXPECT_EQ(config.m_Threads, 0);
 }
 
 TEST(MillCommandLine, ReadsEveryOptionInAnyOrder)
@@ -56,7 +57,9 @@ TEST(MillCommandLine, ReadsEveryOptionInAnyOrder)
                                       "--chord=0.05", "-o",
                                       "a.PLY",        "--report",
                                       "r.json",       "--run-deleted",
-                                      "--joined",     "--verbose"});
+                                      "--joined",     "--verbose",
+                                      "--threads",    "3"});
+    EXPECT_EQ(config.m_Threads, 3);
     EXPECT_EQ(config.m_Program, "p.nc");
     EXPECT_FALSE(config.m_Stock.m_IsAuto);
     EXPECT_EQ(config.m_Stock.m_Min.x, -5.0);
@@ -78,8 +81,8 @@ TEST(MillCommandLine, HelpNamesEveryOption)
     const MillCommandLine line = Parse({"--help"});
     EXPECT_FALSE(line.m_Config.has_value());
     for (const char* option : {"PROGRAM", "--stock", "--tool", "--sides", "--flat", "--units", "--chord",
-                               "-o", "--output", "--report", "--run-deleted", "--joined", "--verbose",
-                               "--version", "flat:D", "ball:D", "vee:D:ANGLE", "auto:MARGIN"}) {
+                               "--threads", "-o", "--output", "--report", "--run-deleted", "--joined",
+                               "--verbose", "--version", "flat:D", "ball:D", "vee:D:ANGLE", "auto:MARGIN"}) {
         EXPECT_NE(line.m_Text.find(option), std::string::npos) << option;
     }
 }
@@ -118,6 +121,11 @@ TEST(MillCommandLine, RefusesBadValues)
     EXPECT_EQ(complaint("--sides", "99999999999"), "--sides: '99999999999' is not a whole number");
     EXPECT_EQ(complaint("--sides", "2"), "--sides: 2 is not from 3 to 256");
     EXPECT_EQ(complaint("--sides", "257"), "--sides: 257 is not from 3 to 256");
+    EXPECT_EQ(complaint("--threads", ""), "--threads: '' is not a whole number");
+    EXPECT_EQ(complaint("--threads", "two"), "--threads: 'two' is not a whole number");
+    EXPECT_EQ(complaint("--threads", "0"), "--threads: 0 is not from 1 to 256");
+    EXPECT_EQ(complaint("--threads", "-1"), "--threads: -1 is not from 1 to 256");
+    EXPECT_EQ(complaint("--threads", "257"), "--threads: 257 is not from 1 to 256");
     EXPECT_EQ(complaint("--flat", "round"), "--flat: 'round' is neither circumscribed nor inscribed");
     EXPECT_EQ(complaint("--units", "cm"), "--units: 'cm' is neither mm nor inch");
     EXPECT_EQ(complaint("--chord", "fine"), "--chord: 'fine' is not a number");

@@ -131,6 +131,28 @@ TEST_F(MillJobTest, InchesAreMillimetresTimes25Point4)
     EXPECT_EQ(Mill(config).m_RemovedVolume, mm.m_RemovedVolume);
 }
 
+TEST_F(MillJobTest, TheNumberOfThreadsDoesNotShow)
+{
+    std::string rows = "G21 G90\nG0 X5 Y5 Z5\nG1 Z-2\n";
+    for (int row = 0; row < 10; ++row) {
+        rows += "X" + std::to_string(row % 2 == 0 ? 45 : 5) + ".3 Z-" + std::to_string(1 + row % 3) + ".1\n";
+        rows += "G0 Y" + std::to_string(6 + 2 * row) + ".2\n";  // through the material
+    }
+    MillConfig config = Config(rows, kBlock, "ball:5");
+    config.m_Threads = 1;
+    const MillResult alone = Mill(config);
+    EXPECT_FALSE(alone.m_RapidTouchLines.empty());
+    for (const int threads : {2, 5, 0}) {
+        config.m_Threads = threads;
+        const MillResult result = Mill(config);
+        EXPECT_EQ(result.m_Mesh.m_Vertices, alone.m_Mesh.m_Vertices) << threads;
+        EXPECT_EQ(result.m_Mesh.m_Triangles, alone.m_Mesh.m_Triangles) << threads;
+        EXPECT_EQ(result.m_RemainingVolume, alone.m_RemainingVolume) << threads;
+        EXPECT_EQ(result.m_Cells, alone.m_Cells) << threads;
+        EXPECT_EQ(result.m_RapidTouchLines, alone.m_RapidTouchLines) << threads;
+    }
+}
+
 TEST_F(MillJobTest, CutsOverWhatIsCutChangeNothing)
 {
     const std::string once = "G21 G90\nG0 X10 Y10 Z5\nG1 Z-3\nX30 Y17.3\nG2 X40 Y10 R9\n";
@@ -257,12 +279,15 @@ class CountingProgress : public MillProgress
 public:
     void Update(std::size_t done, std::size_t total) override
     {
-        EXPECT_EQ(done, m_Updates++);
+        EXPECT_GE(done, m_Done);
         EXPECT_EQ(total, 4U);
+        m_Done = done;
+        ++m_Updates;
     }
     void Finish() override { ++m_Finishes; }
 
-    std::size_t m_Updates = 0;
+    std::size_t m_Done = 0;
+    int m_Updates = 0;
     int m_Finishes = 0;
 };
 
@@ -270,7 +295,8 @@ TEST_F(MillJobTest, TellsItsProgress)
 {
     CountingProgress progress;
     MillJob(Config("G21 G90\nG0 X-10 Y15 Z5\nG1 Z-4\nX60\nG0 Z5\n", kBlock, "flat:6")).Run(progress);
-    EXPECT_EQ(progress.m_Updates, 4U);
+    EXPECT_GT(progress.m_Updates, 2);
+    EXPECT_EQ(progress.m_Done, 4U);
     EXPECT_EQ(progress.m_Finishes, 1);
 }
 

@@ -1,0 +1,61 @@
+#ifndef ZULMRSLeafCutter_h
+#define ZULMRSLeafCutter_h
+
+#include <cstddef>
+#include <vector>
+
+#include "ZULMRSBSPObjectFactory.h"
+#include "ZULMRSCellProbe.h"
+#include "ZULMRSCellSplitter.h"
+#include "ZULMRSCuttingSolid.h"
+#include "ZULMRSSpatialNode.h"
+
+/// Applies tools to the leaves of the spatial division and refines them. What one thread needs for it; see
+/// ZULMRSCellSplitter for what several may do at once.
+class ZULMRSLeafCutter
+{
+public:
+    using Bound = ZULMRSToolBound;
+    using Bounds = std::vector<Bound>;
+    enum class Operation { Subtract, KeepInside };
+
+    /// Both are borrowed.
+    ZULMRSLeafCutter(ZULMRSBSPObjectFactory& factory, const ZULMRSCuttingOptions& options)
+        : m_Factory(factory), m_Options(options)
+    {
+    }
+
+    /// Applies a tool to what is below a node; true when anything was removed.
+    bool Apply(ZULMRSSpatialNode& node, const Bounds& bounds, Operation operation);
+    /// Splits every cell below a node that the plane crosses; their number.
+    std::size_t Split(ZULMRSSpatialNode& node, const Bound& bound);
+    /// Refines the leaves that a tool may cut until they are no longer than the size.
+    void Prepare(ZULMRSSpatialNode& node, const Bounds& bounds, double size);
+
+    /// The bounds that neither contain the node's box nor miss it, in the given order. False when one misses
+    /// the box, so that the tool does.
+    static bool FindActive(const ZULMRSSpatialNode& node, const Bounds& bounds, Bounds& active);
+
+private:
+    bool Visit(ZULMRSSpatialNode& node, const Bounds& bounds, Operation operation);
+    bool VisitChildren(ZULMRSSpatialNode& node, const Bounds& bounds, Operation operation);
+    bool RemoveAll(ZULMRSSpatialNode& node);
+    bool CutLeaf(ZULMRSSpatialNode& node, const Bounds& bounds, Operation operation);
+    bool CutCell(ZULMRSCell* cell, const Bounds& bounds, Operation operation);
+    bool Settle(ZULMRSCell* part, bool isKept);
+    ZULMRSCellSplitter::Position Locate(const ZULMRSCell& cell, const Bound& bound);
+    std::size_t SplitLeaf(ZULMRSSpatialNode& node, ZULMRSBSPPlane* plane);
+    std::size_t SplitIn(ZULMRSSpatialNode& node, const Bound& bound);
+    bool Refine(ZULMRSSpatialNode& node);
+    void RefineCrowded(ZULMRSSpatialNode& node);
+
+    ZULMRSBSPObjectFactory& m_Factory;
+    const ZULMRSCuttingOptions& m_Options;
+    ZULMRSCellSplitter m_Splitter;
+    ZULMRSCellProbe m_Probe;
+    // Scratch.
+    std::vector<ZULMRSCell*> m_Remaining;
+    Bounds m_Crossing;
+};
+
+#endif

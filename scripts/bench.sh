@@ -4,7 +4,7 @@
 set -eu
 cd "$(dirname "$0")/.."
 rounds="1 2 3"
-options="--benchmark_min_time=0.02 --benchmark_repetitions=5"
+options="--benchmark_min_time=0.02 --benchmark_repetitions=3"
 case "${1:-}" in
     "") ;;
     --quick)

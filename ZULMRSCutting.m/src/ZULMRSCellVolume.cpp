@@ -1,5 +1,6 @@
+#include "ZULMRSCellVolume.h"
+
 #include "ZULMRSCellCheck.h"
-#include "ZULMRSCompensatedSum.h"
 #include "ZULMRSNumbering.h"
 #include "ZULMRSPointLocation.h"
 #include "ZULMRSPolygonLoop.h"
@@ -30,7 +31,7 @@ public:
         });
     }
 
-    double Get() const { return m_SixTimes.Get() / 6.0; }
+    const ZULMRSCompensatedSum& GetSixTimes() const { return m_SixTimes; }
 
 private:
     void AddFace(const std::vector<ZULMRSBSPPoint*>& points, const ZULMathPoint& apex, double sign)
@@ -59,7 +60,7 @@ private:
 };
 }  // namespace
 
-double ZULMRSVolumeOfCells(const std::vector<ZULMRSBSPPolyhedron*>& cells)
+ZULMRSCompensatedSum ZULMRSSumVolumes(std::span<ZULMRSBSPPolyhedron* const> cells)
 {
     CellVolume volume(cells.size());
     for (const ZULMRSBSPPolyhedron* cell : cells) {
@@ -67,5 +68,10 @@ double ZULMRSVolumeOfCells(const std::vector<ZULMRSBSPPolyhedron*>& cells)
             volume.Add(*cell);
         }
     }
-    return volume.Get();
+    return volume.GetSixTimes();
+}
+
+double ZULMRSVolumeOfCells(const std::vector<ZULMRSBSPPolyhedron*>& cells)
+{
+    return ZULMRSSumVolumes(cells).Get() / 6.0;
 }

@@ -13,6 +13,11 @@ public:
         m_Lost += std::fabs(m_Sum) >= std::fabs(term) ? (m_Sum - sum) + term : (term - sum) + m_Sum;
         m_Sum = sum;
     }
+    void Add(const ZULMRSCompensatedSum& other)
+    {
+        Add(other.m_Sum);
+        m_Lost += other.m_Lost;
+    }
     double Get() const { return m_Sum + m_Lost; }
 
 private:

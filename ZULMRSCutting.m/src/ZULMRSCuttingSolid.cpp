@@ -1,6 +1,5 @@
 #include "ZULMRSCuttingSolid.h"
 
-#include "ZULMRSCellCheck.h"
 #include "ZULMRSCuttingSolidImpl.h"
 
 ZULMRSCuttingSolid::ZULMRSCuttingSolid(const ZULMathOBB& stock, const ZULMRSCuttingOptions& options)
@@ -48,12 +47,12 @@ std::vector<ZULMRSBSPPolyhedron*> ZULMRSCuttingSolid::GetCells() const
 
 double ZULMRSCuttingSolid::GetVolume() const
 {
-    return ZULMRSVolumeOfCells(GetCells());
+    return m_Impl->GetVolume();
 }
 
 ZULMRSSurfaceMesh ZULMRSCuttingSolid::ExtractSurface() const
 {
-    return ZULMRSExtractSurface(GetCells());
+    return m_Impl->ExtractSurface();
 }
 
 void ZULMRSCuttingSolid::Compact()

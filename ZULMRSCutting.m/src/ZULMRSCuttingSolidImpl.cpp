@@ -3,11 +3,16 @@
 #include <algorithm>
 #include <cmath>
 #include <mutex>
+#include <span>
 #include <thread>
 #include <utility>
 
+#include "ZULMRSCellVolume.h"
+#include "ZULMRSCompensatedSum.h"
 #include "ZULMRSCutPlan.h"
 #include "ZULMRSExactPlanes.h"
+#include "ZULMRSFlatMesh.h"
+#include "ZULMRSPolygonLoop.h"
 #include "ZULMRSTaskGraph.h"
 
 namespace
@@ -164,13 +169,44 @@ std::size_t ZULMRSCuttingSolid::Impl::GetNbCells() const
 
 std::size_t ZULMRSCuttingSolid::Impl::GetNbSurfaceFaces() const
 {
-    std::size_t count = 0;
+    return FindSurface().size();
+}
+
+/// What ZULMRSFindSurface gives, from what the polygons know.
+std::vector<ZULMRSSurfacePolygon> ZULMRSCuttingSolid::Impl::FindSurface() const
+{
+    std::vector<ZULMRSSurfacePolygon> surface;
     for (const ZULMRSBSPPolyhedron* cell : GetCellsInTreeOrder()) {
-        for (const ZULMRSBSPPolygon* polygon : cell->GetPolygons()) {
-            count += static_cast<const ZULMRSFace*>(polygon)->IsOnSurface() ? 1U : 0U;
-        }
+        ZULMRSForEachFace(*cell, [&](const ZULMRSBSPPolygon& polygon, signed char orientation) {
+            if (static_cast<const ZULMRSFace&>(polygon).IsOnSurface()) {
+                surface.push_back({&polygon, orientation});
+            }
+        });
     }
-    return count;
+    return surface;
+}
+
+ZULMRSSurfaceMesh ZULMRSCuttingSolid::Impl::ExtractSurface() const
+{
+    return ZULMRSMeshSurface(FindSurface());
+}
+
+/// Summed by groups of cells of one size, so that it does not depend on the number of threads.
+double ZULMRSCuttingSolid::Impl::GetVolume() const
+{
+    constexpr std::size_t groupSize = 1024;
+    const std::vector<ZULMRSBSPPolyhedron*> cells = GetCellsInTreeOrder();
+    std::vector<ZULMRSCompensatedSum> sums((cells.size() + groupSize - 1) / groupSize);
+    ZULMRSParallelFor(sums.size(), m_Options.m_NbThreads, [&](std::size_t group, std::size_t) {
+        const std::size_t first = group * groupSize;
+        const std::size_t count = std::min(groupSize, cells.size() - first);
+        sums[group] = ZULMRSSumVolumes(std::span(cells).subspan(first, count));
+    });
+    ZULMRSCompensatedSum sum;
+    for (const ZULMRSCompensatedSum& ofGroup : sums) {
+        sum.Add(ofGroup);
+    }
+    return sum.Get() / 6.0;
 }
 
 std::vector<ZULMRSBSPPolyhedron*> ZULMRSCuttingSolid::Impl::GetCellsInTreeOrder() const

@@ -11,6 +11,7 @@
 #include "ZULMRSCuttingSolid.h"
 #include "ZULMRSLeafCutter.h"
 #include "ZULMRSSpatialNode.h"
+#include "ZULMRSSurfaceGraph.h"
 
 /// The spatial division of the stock, the factory of its planes, and what each thread needs to cut.
 class ZULMRSCuttingSolid::Impl
@@ -30,14 +31,16 @@ public:
     std::size_t GetNbCells() const;
     std::size_t GetNbSurfaceFaces() const;
     ZULMRSBSPObjectFactory& GetFactory() { return *m_Factory; }
-    std::size_t GetNbThreads() const { return m_Options.m_NbThreads; }
     std::vector<ZULMRSBSPPolyhedron*> GetCellsInTreeOrder() const;
+    double GetVolume() const;
+    ZULMRSSurfaceMesh ExtractSurface() const;
     void Compact();
 
 private:
     using Bound = ZULMRSLeafCutter::Bound;
     using Bounds = ZULMRSLeafCutter::Bounds;
 
+    std::vector<ZULMRSSurfacePolygon> FindSurface() const;
     ZULMRSCell* MakeStock(const ZULMathOBB& stock);
     Bounds AcquireBounds(const ZULMRSConvexTool& tool);
     bool AcquireBound(const std::array<double, 4>& equation, Bounds& bounds);

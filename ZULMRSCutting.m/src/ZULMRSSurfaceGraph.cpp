@@ -100,22 +100,29 @@ std::vector<Passage> FindPassages(const ZULMRSSurfaceGraph& graph)
 }
 }  // namespace
 
-ZULMRSSurfaceGraph ZULMRSBuildSurfaceGraph(const std::vector<ZULMRSBSPPolyhedron*>& cells)
+std::vector<ZULMRSSurfacePolygon> ZULMRSFindSurface(const std::vector<ZULMRSBSPPolyhedron*>& cells)
 {
-    const std::vector<HeldPolygon> polygons = CollectPolygons(cells);
-    const auto isSurface = [](const HeldPolygon& held) {
-        return held.m_NbHolders == 1 && ZULMRSHasCompleteLoop(*held.m_Polygon);
-    };
+    std::vector<ZULMRSSurfacePolygon> surface;
+    for (const HeldPolygon& held : CollectPolygons(cells)) {
+        if (held.m_NbHolders == 1) {
+            surface.push_back({held.m_Polygon, held.m_Orientation});
+        }
+    }
+    return surface;
+}
+
+ZULMRSSurfaceGraph ZULMRSBuildSurfaceGraph(const std::vector<ZULMRSSurfacePolygon>& polygons)
+{
     std::size_t nbHalfEdges = 0;
-    for (const HeldPolygon& held : polygons) {
-        nbHalfEdges += isSurface(held) ? held.m_Polygon->GetNbEdges() : 0;
+    for (const ZULMRSSurfacePolygon& surface : polygons) {
+        nbHalfEdges += surface.m_Polygon->GetNbEdges();
     }
     ZULMRSSurfaceGraph graph;
     graph.m_HalfEdges.reserve(nbHalfEdges);
     ZULMRSNumbering<ZULMRSBSPPoint> numbers(nbHalfEdges / 3);
-    for (const HeldPolygon& held : polygons) {
-        if (isSurface(held)) {
-            AddFace(*held.m_Polygon, held.m_Orientation, numbers, graph);
+    for (const ZULMRSSurfacePolygon& surface : polygons) {
+        if (ZULMRSHasCompleteLoop(*surface.m_Polygon)) {
+            AddFace(*surface.m_Polygon, surface.m_Orientation, numbers, graph);
         }
     }
     graph.m_Points = numbers.GetObjects();

@@ -46,9 +46,19 @@ struct ZULMRSSurfaceGraph {
     }
 };
 
-/// The polygons that one cell only holds. A polygon with a missing plane or vertex, and one without an
-/// orientation, is left out, as is a null cell.
-ZULMRSSurfaceGraph ZULMRSBuildSurfaceGraph(const std::vector<ZULMRSBSPPolyhedron*>& cells);
+/// A polygon and the orientation with which a cell holds it (1: the front of its plane is outside, -1: the
+/// back).
+struct ZULMRSSurfacePolygon {
+    const ZULMRSBSPPolygon* m_Polygon;
+    signed char m_Orientation;
+};
+
+/// The polygons that one cell only holds, in the order in which the cells name them.
+std::vector<ZULMRSSurfacePolygon> ZULMRSFindSurface(const std::vector<ZULMRSBSPPolyhedron*>& cells);
+
+/// The graph of these polygons, each of which is given once. A polygon with a missing plane or vertex, and
+/// one without an orientation, is left out.
+ZULMRSSurfaceGraph ZULMRSBuildSurfaceGraph(const std::vector<ZULMRSSurfacePolygon>& polygons);
 
 /// Joins coplanar neighbours wherever the union is convex, and finds the regions. Where more than two faces
 /// meet in an edge, nothing is joined across it.

@@ -79,12 +79,17 @@ double ZULMRSSurfaceMesh::GetVolume() const
     return sum.Get() / 6.0;
 }
 
-ZULMRSSurfaceMesh ZULMRSExtractSurface(const std::vector<ZULMRSBSPPolyhedron*>& cells)
+ZULMRSSurfaceMesh ZULMRSMeshSurface(const std::vector<ZULMRSSurfacePolygon>& polygons)
 {
-    ZULMRSSurfaceGraph graph = ZULMRSBuildSurfaceGraph(cells);
+    ZULMRSSurfaceGraph graph = ZULMRSBuildSurfaceGraph(polygons);
     ZULMRSJoinCoplanarFaces(graph);
     ZULMRSRemoveStraightVertices(graph);
     ZULMRSFlatMesh mesh = ZULMRSTriangulateLoops(graph);
     ZULMRSRemoveFlatVertices(graph, mesh);
     return MakeMesh(graph, mesh);
+}
+
+ZULMRSSurfaceMesh ZULMRSExtractSurface(const std::vector<ZULMRSBSPPolyhedron*>& cells)
+{
+    return ZULMRSMeshSurface(ZULMRSFindSurface(cells));
 }

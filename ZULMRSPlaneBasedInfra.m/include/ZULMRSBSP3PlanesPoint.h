@@ -1,6 +1,7 @@
 #ifndef ZULMRSBSP3PlanesPoint_h
 #define ZULMRSBSP3PlanesPoint_h
 
+#include "ZULMRSBSPIntegerForm.h"
 #include "ZULMRSBSPPoint.h"
 
 /// The point that exists only as the meeting point of its three planes; coordinates follow by Cramer's rule.
@@ -25,7 +26,7 @@ public:
     /// A new array.
     ZULMRSBSPQuadruple<ZULExpFloatRingExtensionTS> GetCartesianRepresentation_FloatRing() const override;
     /// A new array (x, y, z, error): error is the widest of the three quotient intervals. Where no interval
-    /// representation exists an error line is written and the array is not filled.
+    /// representation exists an error line is written and the error is infinite, the coordinates 0.
     ZULMRSBSPQuadruple<double> GetApproximatedXYZError() const override;
     /// Quotients of the cache where it is valid, else as GetApproximatedXYZError; three times -666.666 when
     /// memory is exhausted.
@@ -36,12 +37,24 @@ public:
     ~ZULMRSBSP3PlanesPoint() override;
 
 private:
+    enum class RepresentationState : unsigned char { Invalid, Valid, Pending, BeingMade };
+
     bool Init();
+    bool InitByIntegers();
+    bool InitByNumbers();
     ZULExpSign_t ComputeFiltered();
     bool OrientExactly();
+    bool HasRepresentation() const;
+    void MakeRepresentation() const;
+    const ZULMRSBSP3PlanesPoint& WithRepresentation() const;
 
-    std::array<ZULExpDynamic, 4> m_Representation;
-    bool m_RepresentationValid;
+    /// First: with the object's head it is what decisions read.
+    ZULMRSBSPIntegerForm m_IntegerForm;
+    /// Made when it is first asked for, where the integers have told how the triple is oriented.
+    mutable std::array<ZULExpDynamic, 4> m_Representation;
+    mutable RepresentationState m_RepresentationState;
+    /// The integers have exchanged two planes of the triple as it was given.
+    bool m_IsExchanged = false;
 
     friend struct ZULMRSBSPDirectReads;
 };

@@ -1,6 +1,7 @@
 #ifndef ZULMRSBSP3PointsPlane_h
 #define ZULMRSBSP3PointsPlane_h
 
+#include "ZULMRSBSPIntegerForm.h"
 #include "ZULMRSBSPPlane.h"
 
 struct ZULMRSBSPCoordinateRecord;
@@ -32,9 +33,13 @@ public:
 private:
     void Init();
 
+    /// First: with the object's head it is what decisions read.
+    ZULMRSBSPIntegerForm m_IntegerForm;
     std::array<ZULMRSBSPCoordinateRecord*, 3> m_Points;
     std::array<ZULExpDynamic, 4> m_Equation;
     bool m_EquationValid;
+
+    friend struct ZULMRSBSPDirectReads;
 };
 
 #endif

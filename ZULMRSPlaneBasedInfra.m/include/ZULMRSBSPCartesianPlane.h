@@ -1,6 +1,7 @@
 #ifndef ZULMRSBSPCartesianPlane_h
 #define ZULMRSBSPCartesianPlane_h
 
+#include "ZULMRSBSPIntegerForm.h"
 #include "ZULMRSBSPPlane.h"
 
 /// A plane given by its four coefficients, taken as exact and never rescaled.
@@ -29,6 +30,8 @@ public:
     void SetCoords(const std::array<double, 4>& equation);
 
 private:
+    /// First: with the object's head it is what decisions read.
+    ZULMRSBSPIntegerForm m_IntegerForm;
     std::array<double, 4> m_Coords;
 
     friend struct ZULMRSBSPDirectReads;

@@ -1,6 +1,7 @@
 #ifndef ZULMRSBSPCartesianPoint_h
 #define ZULMRSBSPCartesianPoint_h
 
+#include "ZULMRSBSPIntegerForm.h"
 #include "ZULMRSBSPPoint.h"
 
 /// A point with exact coordinates besides its planes. That it lies on them is not checked.
@@ -34,6 +35,8 @@ public:
 private:
     void Orient();
 
+    /// First: with the object's head it is what decisions read.
+    ZULMRSBSPIntegerForm m_IntegerForm;
     std::array<double, 3> m_Coordinates;
 
     friend struct ZULMRSBSPDirectReads;

@@ -1,12 +1,19 @@
 #include "ZULMRSBSP3PlanesPoint.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
+#include <functional>
+#include <limits>
+#include <thread>
 #include <utility>
 
 #include "ZULExpFloatStatus.h"
 #include "ZULExpRounding.h"
+#include "ZULMRSBSPEquation.h"
+#include "ZULMRSBSPFilter.h"
 #include "ZULMRSBSPFormulas.h"
+#include "ZULMRSBSPIntegerForms.h"
 #include "ZULMRSBSPPredicates.h"
 #include "ZULMRSBSPQuadrupleHolder.h"
 #include "ZULMRSBSPReport.h"
@@ -101,7 +108,9 @@ std::array<double, 4> QuotientsAndError(const ZULMRSBSPQuadrupleHolder<ZULExpInt
 }  // namespace
 
 ZULMRSBSP3PlanesPoint::ZULMRSBSP3PlanesPoint(const std::array<ZULMRSBSPPlane*, 3>& planes, bool& isValid)
-    : ZULMRSBSPPoint(planes), m_Representation(Placeholders), m_RepresentationValid(false)
+    : ZULMRSBSPPoint(planes),
+      m_Representation(Placeholders),
+      m_RepresentationState(RepresentationState::Invalid)
 {
     isValid = Init();
 }
@@ -111,15 +120,64 @@ ZULMRSBSP3PlanesPoint::ZULMRSBSP3PlanesPoint(std::array<ZULMRSBSPPlane*, 3>&& pl
 {
 }
 
-ZULMRSBSP3PlanesPoint::ZULMRSBSP3PlanesPoint(const ZULMRSBSP3PlanesPoint&) = default;
-ZULMRSBSP3PlanesPoint& ZULMRSBSP3PlanesPoint::operator=(const ZULMRSBSP3PlanesPoint&) = default;
+ZULMRSBSP3PlanesPoint::ZULMRSBSP3PlanesPoint(const ZULMRSBSP3PlanesPoint& other)
+    : ZULMRSBSPPoint(other.WithRepresentation()),
+      m_IntegerForm(other.m_IntegerForm),
+      m_Representation(other.m_Representation),
+      m_RepresentationState(other.m_RepresentationState),
+      m_IsExchanged(other.m_IsExchanged)
+{
+}
+
+ZULMRSBSP3PlanesPoint& ZULMRSBSP3PlanesPoint::operator=(const ZULMRSBSP3PlanesPoint& other)
+{
+    ZULMRSBSPPoint::operator=(other.WithRepresentation());
+    m_IntegerForm = other.m_IntegerForm;
+    m_Representation = other.m_Representation;
+    m_RepresentationState = other.m_RepresentationState;
+    m_IsExchanged = other.m_IsExchanged;
+    return *this;
+}
+
 ZULMRSBSP3PlanesPoint::~ZULMRSBSP3PlanesPoint() = default;
 
 bool ZULMRSBSP3PlanesPoint::Init()
 {
+    m_IntegerForm = ZULMRSBSPIntegerForm();
     if (std::find(m_Planes.begin(), m_Planes.end(), nullptr) != m_Planes.end()) {
         return false;
     }
+    return InitByIntegers() || InitByNumbers();
+}
+
+/// Orients the triple, where all planes keep exact integers and meet in one point.
+bool ZULMRSBSP3PlanesPoint::InitByIntegers()
+{
+    using ZULMRSBSPIntegerForms::ToInputs;
+    const ZULMRSBSPIntegerForm* p = ZULMRSBSPDirectReads::ExactIntegers(m_Planes[0]);
+    const ZULMRSBSPIntegerForm* q = ZULMRSBSPDirectReads::ExactIntegers(m_Planes[1]);
+    const ZULMRSBSPIntegerForm* r = ZULMRSBSPDirectReads::ExactIntegers(m_Planes[2]);
+    if (p == nullptr || q == nullptr || r == nullptr) {
+        return false;
+    }
+    auto meeting = ZULMRSBSPFormulas::MeetingPoint(ToInputs(*p), ToInputs(*q), ToInputs(*r));
+    const ZULMRSBSPSign w = meeting[3].Sign();
+    if (w.IsZero()) {
+        return false;
+    }
+    m_IsExchanged = w.IsNegative();
+    if (m_IsExchanged) {
+        std::swap(m_Planes[1], m_Planes[2]);
+        std::transform(meeting.begin(), meeting.end(), meeting.begin(), std::negate<>());
+    }
+    m_IntegerForm = ZULMRSBSPIntegerForms::FromExact(meeting);
+    m_RepresentationState = RepresentationState::Pending;
+    return true;
+}
+
+bool ZULMRSBSP3PlanesPoint::InitByNumbers()
+{
+    m_IsExchanged = false;
     const ZULExpSign_t sign = ComputeFiltered();
     if (sign == ZULExpSignUncertain) {
         return OrientExactly();
@@ -132,6 +190,10 @@ bool ZULMRSBSP3PlanesPoint::Init()
         std::swap(m_Planes[1], m_Planes[2]);
         NegateValues(m_Representation);
     }
+    // The sign of W is certain, unless the numbers were never computed.
+    if (!m_Representation[3].IsPlaceholder()) {
+        m_IntegerForm = ZULMRSBSPIntegerForms::OfPoint(m_Representation);
+    }
     return true;
 }
 
@@ -141,8 +203,9 @@ ZULExpSign_t ZULMRSBSP3PlanesPoint::ComputeFiltered()
     // The numbers go straight to memory that outlives the scope: they are complete when the status is read.
     // Where a plane has no filtered equation the earlier ones stay, and the status alone makes them valid.
     ComputeMeetingPoint(m_Planes, m_Representation);
-    m_RepresentationValid = !scope.IsFaulted();
-    return m_RepresentationValid ? m_Representation[3].Sign() : ZULExpSignUncertain;
+    const bool isValid = !scope.IsFaulted();
+    m_RepresentationState = isValid ? RepresentationState::Valid : RepresentationState::Invalid;
+    return isValid ? m_Representation[3].Sign() : ZULExpSignUncertain;
 }
 
 bool ZULMRSBSP3PlanesPoint::OrientExactly()
@@ -159,6 +222,47 @@ bool ZULMRSBSP3PlanesPoint::OrientExactly()
     return true;
 }
 
+bool ZULMRSBSP3PlanesPoint::HasRepresentation() const
+{
+    const std::atomic_ref state(m_RepresentationState);
+    RepresentationState seen = state.load(std::memory_order_acquire);
+    if (seen == RepresentationState::Pending &&
+        state.compare_exchange_strong(seen, RepresentationState::BeingMade)) {
+        MakeRepresentation();
+    }
+    // Making it is short work; only a thread that lost its time slice there keeps others waiting.
+    while ((seen = state.load(std::memory_order_acquire)) == RepresentationState::BeingMade) {
+        std::this_thread::yield();
+    }
+    return seen == RepresentationState::Valid;
+}
+
+/// As for a triple that the numbers themselves have oriented: from the planes in the order given, negated
+/// where W is certainly negative.
+void ZULMRSBSP3PlanesPoint::MakeRepresentation() const
+{
+    PlaneTriple planes = m_Planes;
+    if (m_IsExchanged) {
+        std::swap(planes[1], planes[2]);
+    }
+    const ZULExpFloatScope scope;
+    ComputeMeetingPoint(planes, m_Representation);
+    const bool isValid = !scope.IsFaulted();
+    if (isValid && m_Representation[3].Sign() == ZULExpSignNegative) {
+        NegateValues(m_Representation);
+    }
+    std::atomic_ref(m_RepresentationState)
+        .store(isValid ? RepresentationState::Valid : RepresentationState::Invalid,
+               std::memory_order_release);
+}
+
+/// For whoever copies the numbers, or exchanges a plane: what is not computed anew stays.
+const ZULMRSBSP3PlanesPoint& ZULMRSBSP3PlanesPoint::WithRepresentation() const
+{
+    HasRepresentation();
+    return *this;
+}
+
 ZULMRSBSPPointType ZULMRSBSP3PlanesPoint::GetType() const
 {
     return ZULMRSBSPPointType_3Planes;
@@ -166,7 +270,7 @@ ZULMRSBSPPointType ZULMRSBSP3PlanesPoint::GetType() const
 
 ZULMRSBSPQuadruple<ZULExpDynamic> ZULMRSBSP3PlanesPoint::GetCartesianRepresentation_ExpDynamic() const
 {
-    return {m_RepresentationValid ? &m_Representation : nullptr, false};
+    return {HasRepresentation() ? &m_Representation : nullptr, false};
 }
 
 ZULMRSBSPQuadruple<ZULExpInterval> ZULMRSBSP3PlanesPoint::GetCartesianRepresentation_ExpInterval() const
@@ -209,13 +313,14 @@ ZULMRSBSPQuadruple<double> ZULMRSBSP3PlanesPoint::GetApproximatedXYZError() cons
         ZULMRSBSPReport::Error(
             NoInterval,
             "GetCartesianRepresentation_ExpInterval Invalid Equation Error in Point Evaluation !!");
+        (*result)[3] = std::numeric_limits<double>::infinity();
     }
     return ZULMRSBSPQuadrupleMaker::HandOver(std::move(result));
 }
 
 ZULMathPoint ZULMRSBSP3PlanesPoint::GetApproximatedPoint() const
 {
-    if (m_RepresentationValid) {
+    if (HasRepresentation()) {
         const auto [x, y, z] = Quotients(m_Representation);
         return {x, y, z};
     }
@@ -228,7 +333,7 @@ ZULMathPoint ZULMRSBSP3PlanesPoint::GetApproximatedPoint() const
 
 std::array<double, 3> ZULMRSBSP3PlanesPoint::GetApproximatedXYZ() const
 {
-    if (m_RepresentationValid) {
+    if (HasRepresentation()) {
         return Quotients(m_Representation);
     }
     const ZULMRSBSPQuadrupleHolder approximation(GetApproximatedXYZError());
@@ -243,6 +348,7 @@ std::array<double, 3> ZULMRSBSP3PlanesPoint::GetApproximatedXYZ() const
 
 bool ZULMRSBSP3PlanesPoint::ReplacePlaneByEquivalentPlane(ZULMRSBSPPlane* newPlane, ZULMRSBSPPlane* oldPlane)
 {
+    HasRepresentation();
     if (!ReplaceInTriple(newPlane, oldPlane)) {
         return false;
     }

@@ -10,6 +10,7 @@
 #include "ZULExpRounding.h"
 #include "ZULMRSBSPCoordinateRecord.h"
 #include "ZULMRSBSPFormulas.h"
+#include "ZULMRSBSPIntegerForms.h"
 #include "ZULMRSBSPQuadrupleHolder.h"
 
 namespace
@@ -132,6 +133,7 @@ ZULMRSBSP3PointsPlane::ZULMRSBSP3PointsPlane(const std::array<std::array<double,
 
 ZULMRSBSP3PointsPlane::ZULMRSBSP3PointsPlane(const ZULMRSBSP3PointsPlane& other)
     : ZULMRSBSPPlane(other),
+      m_IntegerForm(other.m_IntegerForm),
       m_Points(other.m_Points),
       m_Equation(other.m_Equation),
       m_EquationValid(other.m_EquationValid)
@@ -150,6 +152,7 @@ ZULMRSBSP3PointsPlane& ZULMRSBSP3PointsPlane::operator=(const ZULMRSBSP3PointsPl
         m_Points[i] = other.m_Points[i];
         ReleaseRecord(old);
     }
+    m_IntegerForm = other.m_IntegerForm;
     m_Equation = other.m_Equation;
     m_EquationValid = other.m_EquationValid;
     return *this;
@@ -164,10 +167,16 @@ ZULMRSBSP3PointsPlane::~ZULMRSBSP3PointsPlane()
 
 void ZULMRSBSP3PointsPlane::Init()
 {
-    // The equation goes straight to memory that outlives the scope: it is complete when the status is read.
-    const ZULExpFloatScope scope;
-    m_Equation = Equation<ZULExpDynamic>(m_Points);
-    m_EquationValid = !scope.IsFaulted();
+    {
+        // The equation goes straight to memory that outlives the scope: it is complete when the status is
+        // read.
+        const ZULExpFloatScope scope;
+        m_Equation = Equation<ZULExpDynamic>(m_Points);
+        m_EquationValid = !scope.IsFaulted();
+    }
+    if (m_EquationValid) {
+        m_IntegerForm = ZULMRSBSPIntegerForms::OfPlane(m_Equation);
+    }
 }
 
 ZULMRSBSPPlaneType ZULMRSBSP3PointsPlane::GetType() const

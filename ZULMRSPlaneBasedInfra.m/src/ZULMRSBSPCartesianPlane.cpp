@@ -4,12 +4,14 @@
 
 #include "ZULExpRounding.h"
 #include "ZULMRSBSPFormulas.h"
+#include "ZULMRSBSPIntegerForms.h"
 #include "ZULMRSBSPQuadrupleHolder.h"
 
 using ZULMRSBSPFormulas::IsExactlyUnit;
 using ZULMRSBSPFormulas::IsExactlyZero;
 
-ZULMRSBSPCartesianPlane::ZULMRSBSPCartesianPlane(const std::array<double, 4>& equation) : m_Coords(equation)
+ZULMRSBSPCartesianPlane::ZULMRSBSPCartesianPlane(const std::array<double, 4>& equation)
+    : m_IntegerForm(ZULMRSBSPIntegerForms::OfPlane(equation)), m_Coords(equation)
 {
 }
 
@@ -71,4 +73,5 @@ ZULMathVector ZULMRSBSPCartesianPlane::GetNormalVector() const
 void ZULMRSBSPCartesianPlane::SetCoords(const std::array<double, 4>& equation)
 {
     m_Coords = equation;
+    m_IntegerForm = ZULMRSBSPIntegerForms::OfPlane(m_Coords);
 }

@@ -4,11 +4,13 @@
 #include <utility>
 
 #include "ZULExpRounding.h"
+#include "ZULMRSBSPIntegerForms.h"
 #include "ZULMRSBSPPredicates.h"
 #include "ZULMRSBSPQuadrupleHolder.h"
 
 ZULMRSBSPCartesianPoint::ZULMRSBSPCartesianPoint(const ZULMathPoint& coordinates)
-    : m_Coordinates{coordinates.x, coordinates.y, coordinates.z}
+    : m_IntegerForm(ZULMRSBSPIntegerForms::OfCoordinates({coordinates.x, coordinates.y, coordinates.z})),
+      m_Coordinates{coordinates.x, coordinates.y, coordinates.z}
 {
     // The point is the creator of these planes and so their one owner: no further reference.
     m_Planes = {ZULMRSBSPPlaneNS::CreateCartesianPlane(1.0, 0.0, 0.0, -coordinates.x),
@@ -18,14 +20,18 @@ ZULMRSBSPCartesianPoint::ZULMRSBSPCartesianPoint(const ZULMathPoint& coordinates
 
 ZULMRSBSPCartesianPoint::ZULMRSBSPCartesianPoint(std::array<ZULMRSBSPPlane*, 3> planes,
                                                  std::array<double, 3> coordinates)
-    : ZULMRSBSPPoint(planes), m_Coordinates(coordinates)
+    : ZULMRSBSPPoint(planes),
+      m_IntegerForm(ZULMRSBSPIntegerForms::OfCoordinates(coordinates)),
+      m_Coordinates(coordinates)
 {
     Orient();
 }
 
 ZULMRSBSPCartesianPoint::ZULMRSBSPCartesianPoint(ZULMRSBSPPlane* p1, ZULMRSBSPPlane* p2, ZULMRSBSPPlane* p3,
                                                  const ZULMathPoint& coordinates)
-    : ZULMRSBSPPoint(p1, p2, p3), m_Coordinates{coordinates.x, coordinates.y, coordinates.z}
+    : ZULMRSBSPPoint(p1, p2, p3),
+      m_IntegerForm(ZULMRSBSPIntegerForms::OfCoordinates({coordinates.x, coordinates.y, coordinates.z})),
+      m_Coordinates{coordinates.x, coordinates.y, coordinates.z}
 {
     Orient();
 }

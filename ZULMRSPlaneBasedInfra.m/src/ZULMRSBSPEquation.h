@@ -14,6 +14,7 @@
 #include "ZULMRSBSPCartesianPlane.h"
 #include "ZULMRSBSPCartesianPoint.h"
 #include "ZULMRSBSPFormulas.h"
+#include "ZULMRSBSPIntegerForm.h"
 #include "ZULMRSBSPPlane.h"
 #include "ZULMRSBSPPoint.h"
 #include "ZULMRSBSPQuadrupleHolder.h"
@@ -43,9 +44,33 @@ struct ZULMRSBSPDirectReads {
     /// What a three-planes point keeps; null when it is not valid.
     static const std::array<ZULExpDynamic, 4>* Representation(const ZULMRSBSP3PlanesPoint& point)
     {
-        return point.m_RepresentationValid ? &point.m_Representation : nullptr;
+        return point.HasRepresentation() ? &point.m_Representation : nullptr;
     }
     static bool Is3PointsPlane(const ZULMRSBSPPlane& plane) { return Is<ZULMRSBSP3PointsPlane>(plane); }
+    /// The integers that a plane or a point keeps; null for one of another class.
+    static const ZULMRSBSPIntegerForm* Integers(const ZULMRSBSPPlane& plane)
+    {
+        if (Is<ZULMRSBSPCartesianPlane>(plane)) [[likely]] {
+            return &static_cast<const ZULMRSBSPCartesianPlane&>(plane).m_IntegerForm;
+        }
+        return Is3PointsPlane(plane) ? &static_cast<const ZULMRSBSP3PointsPlane&>(plane).m_IntegerForm
+                                     : nullptr;
+    }
+    static const ZULMRSBSPIntegerForm* Integers(const ZULMRSBSPPoint& point)
+    {
+        if (Is3PlanesPoint(point)) [[likely]] {
+            return &static_cast<const ZULMRSBSP3PlanesPoint&>(point).m_IntegerForm;
+        }
+        return Is<ZULMRSBSPCartesianPoint>(point)
+                   ? &static_cast<const ZULMRSBSPCartesianPoint&>(point).m_IntegerForm
+                   : nullptr;
+    }
+    /// Those of a plane where they are exact; null also for no plane.
+    static const ZULMRSBSPIntegerForm* ExactIntegers(const ZULMRSBSPPlane* plane)
+    {
+        const ZULMRSBSPIntegerForm* form = plane != nullptr ? Integers(*plane) : nullptr;
+        return form != nullptr && form->IsExact() ? form : nullptr;
+    }
 
 private:
     template <class Class, class Base>

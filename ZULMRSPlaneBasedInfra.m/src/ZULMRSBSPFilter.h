@@ -1,6 +1,7 @@
 #ifndef ZULMRSBSPFilter_h
 #define ZULMRSBSPFilter_h
 
+#include <array>
 #include <cmath>
 #include <limits>
 
@@ -119,6 +120,13 @@ inline ZULMRSBSPSign FactorSign(const ZULExpDynamic& x)
                         magnitude == 0.0;
     const bool isDecided = isKept & ((sign != 0) | (bound == 0.0));
     return ZULMRSBSPSign::FromNumber(isDecided ? sign : ZULExpSignUncertain);
+}
+
+/// The filtered representation tells nothing when it still holds the placeholders, or its W is not certainly
+/// positive: an undecided filter may have left the kept numbers with the sign of another order of the triple.
+inline bool IsUsable(const std::array<ZULExpDynamic, 4>& representation)
+{
+    return !representation[3].IsPlaceholder() && FactorSign(representation[3]).IsPositive();
 }
 }  // namespace ZULMRSBSPFilter
 

@@ -91,8 +91,8 @@ Quadruple<Number> PlaneThroughPoints(const Triple<Number>& p1, const Triple<Numb
 }
 
 /// The meeting point (X, Y, Z, W) of the planes p, q, r by Cramer's rule: W is the determinant of the
-/// normals, X, Y, Z the same with the column of a, b, c replaced by that of -d. Each determinant is expanded
-/// along its first row; a minor that stands in two of them is computed once. Degree 3.
+/// normals, X, Y, Z the same with the column of a, b, c replaced by that of e = -d. Each determinant is
+/// expanded along its first row, from six minors of the two rows below it. Degree 3.
 template <class Number>
 auto MeetingPoint(const Quadruple<Number>& p, const Quadruple<Number>& q, const Quadruple<Number>& r)
 {
@@ -102,13 +102,11 @@ auto MeetingPoint(const Quadruple<Number>& p, const Quadruple<Number>& q, const 
     const auto bc = Determinant2x2(q[1], q[2], r[1], r[2]);
     const auto ca = Determinant2x2(q[2], q[0], r[2], r[0]);
     const auto ab = Determinant2x2(q[0], q[1], r[0], r[1]);
-    return std::array{ExpandFirstRow(pe, p[1], p[2], bc, Determinant2x2(q[2], qe, r[2], re),
-                                     Determinant2x2(qe, q[1], re, r[1])),
-                      ExpandFirstRow(p[0], pe, p[2], Determinant2x2(qe, q[2], re, r[2]), ca,
-                                     Determinant2x2(q[0], qe, r[0], re)),
-                      ExpandFirstRow(p[0], p[1], pe, Determinant2x2(q[1], qe, r[1], re),
-                                     Determinant2x2(qe, q[0], re, r[0]), ab),
-                      ExpandFirstRow(p[0], p[1], p[2], bc, ca, ab)};
+    const auto ae = Determinant2x2(q[0], qe, r[0], re);
+    const auto be = Determinant2x2(q[1], qe, r[1], re);
+    const auto ce = Determinant2x2(q[2], qe, r[2], re);
+    return std::array{bc * pe + ce * p[1] - be * p[2], ca * pe - ce * p[0] + ae * p[2],
+                      be * p[0] - ae * p[1] + ab * pe, ExpandFirstRow(p[0], p[1], p[2], bc, ca, ab)};
 }
 
 /// The determinant of B - A and D - C of the plane points A to D = (x0, x1) to (x6, x7). Degree 2.

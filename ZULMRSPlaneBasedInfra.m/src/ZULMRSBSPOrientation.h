@@ -7,6 +7,7 @@
 #include "ZULMRSBSPEquation.h"
 #include "ZULMRSBSPFilter.h"
 #include "ZULMRSBSPFormulas.h"
+#include "ZULMRSBSPIntegerForms.h"
 #include "ZULMRSBSPShortInteger.h"
 #include "ZULMRSBSPSign.h"
 #include "ZULMRSBSPSignKernels.h"
@@ -17,6 +18,49 @@
 /// inside a ZULExpFloatScope.
 namespace ZULMRSBSPOrientation
 {
+//---------------------------------------------------------------- from the integers that both keep
+
+// These need no floating-point scope.
+
+inline ZULMRSBSPSign ByIntegers(const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& point)
+{
+    const ZULMRSBSPIntegerForm* p = ZULMRSBSPDirectReads::Integers(plane);
+    const ZULMRSBSPIntegerForm* q = ZULMRSBSPDirectReads::Integers(point);
+    return p != nullptr && q != nullptr
+               ? ZULMRSBSPStages::Counted(ZULMRSBSPStage::Filter, ZULMRSBSPIntegerForms::SideOf(*p, *q))
+               : ZULMRSBSPSign::Undecided();
+}
+
+/// Exact from the planes of the point, where all keep exact integers.
+inline ZULMRSBSPSign ExactByIntegers(const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& point)
+{
+    if (!ZULMRSBSPDirectReads::Is3PlanesPoint(point)) {
+        return ZULMRSBSPSign::Undecided();
+    }
+    using ZULMRSBSPIntegerForms::ToInputs;
+    const ZULMRSBSPIntegerForm* p = ZULMRSBSPDirectReads::ExactIntegers(point.GetP1());
+    const ZULMRSBSPIntegerForm* q = ZULMRSBSPDirectReads::ExactIntegers(point.GetP2());
+    const ZULMRSBSPIntegerForm* r = ZULMRSBSPDirectReads::ExactIntegers(point.GetP3());
+    const ZULMRSBSPIntegerForm* tested = ZULMRSBSPDirectReads::ExactIntegers(&plane);
+    if (p == nullptr || q == nullptr || r == nullptr || tested == nullptr) {
+        return ZULMRSBSPSign::Undecided();
+    }
+    const auto meeting = ZULMRSBSPFormulas::MeetingPoint(ToInputs(*p), ToInputs(*q), ToInputs(*r));
+    return ZULMRSBSPStages::Counted(
+        ZULMRSBSPStage::Exact,
+        meeting[3].Sign() * ZULMRSBSPFormulas::EquationAtHomogeneous(ToInputs(*tested), meeting).Sign());
+}
+
+inline ZULMRSBSPSign AtCoordinatesByIntegers(const ZULMRSBSPPlane& plane, const ZULMathPoint& point)
+{
+    const ZULMRSBSPIntegerForm* p = ZULMRSBSPDirectReads::Integers(plane);
+    return p != nullptr ? ZULMRSBSPStages::Counted(
+                              ZULMRSBSPStage::Filter,
+                              ZULMRSBSPIntegerForms::SideOf(
+                                  *p, ZULMRSBSPIntegerForms::OfCoordinates({point.x, point.y, point.z})))
+                        : ZULMRSBSPSign::Undecided();
+}
+
 //---------------------------------------------------------------- a point given by coordinates
 
 inline bool IsDefiningPoint(const ZULMRSBSPPlane& plane, const ZULMathPoint& point)
@@ -79,13 +123,6 @@ struct RepresentationVerdict {
     ZULMRSBSPSign m_Sign;
 };
 
-/// The filtered representation tells nothing when it still holds the placeholders, or its W is not certainly
-/// positive: an undecided filter may have left the kept numbers with the sign of another order of the triple.
-inline bool IsUsable(const std::array<ZULExpDynamic, 4>& representation)
-{
-    return !representation[3].IsPlaceholder() && ZULMRSBSPFilter::FactorSign(representation[3]).IsPositive();
-}
-
 /// From the signs of the four terms alone.
 inline ZULMRSBSPSign ShortcutByRepresentation(const std::array<ZULExpDynamic, 4>& equation,
                                               const std::array<ZULExpDynamic, 4>& representation)
@@ -110,7 +147,7 @@ inline ZULMRSBSPSign FilterEquation(const std::array<ZULExpDynamic, 4>& equation
 inline RepresentationVerdict FilterKept(const ZULMRSBSPPlane& plane,
                                         const std::array<ZULExpDynamic, 4>* representation)
 {
-    if (representation == nullptr || !IsUsable(*representation)) {
+    if (representation == nullptr || !ZULMRSBSPFilter::IsUsable(*representation)) {
         return {};
     }
     if (const std::array<double, 4>* coords = ZULMRSBSPDirectReads::Coords(plane)) [[likely]] {

@@ -8,6 +8,7 @@
 #include "ZULMRSBSPEquation.h"
 #include "ZULMRSBSPFilter.h"
 #include "ZULMRSBSPFormulas.h"
+#include "ZULMRSBSPIntegerForms.h"
 #include "ZULMRSBSPSign.h"
 #include "ZULMRSBSPSignKernels.h"
 #include "ZULMRSBSPStages.h"
@@ -18,6 +19,46 @@ namespace ZULMRSBSPPlaneRelations
 inline bool AreCartesian(const ZULMRSBSPPlane& p, const ZULMRSBSPPlane& q)
 {
     return ZULMRSBSPIsCartesian(p) && ZULMRSBSPIsCartesian(q);
+}
+
+//---------------------------------------------------------------- from the integers that planes keep
+
+// These need no floating-point scope.
+
+inline ZULMRSBSPSign DeterminantOfNormalsByIntegers(const ZULMRSBSPPlane& p1, const ZULMRSBSPPlane& p2,
+                                                    const ZULMRSBSPPlane& p3)
+{
+    const ZULMRSBSPIntegerForm* p = ZULMRSBSPDirectReads::ExactIntegers(&p1);
+    const ZULMRSBSPIntegerForm* q = ZULMRSBSPDirectReads::ExactIntegers(&p2);
+    const ZULMRSBSPIntegerForm* r = ZULMRSBSPDirectReads::ExactIntegers(&p3);
+    if (p == nullptr || q == nullptr || r == nullptr) {
+        return ZULMRSBSPSign::Undecided();
+    }
+    return ZULMRSBSPStages::Counted(ZULMRSBSPStage::Exact,
+                                    ZULMRSBSPIntegerForms::DeterminantOfNormals(*p, *q, *r));
+}
+
+/// The columns of the minors that are all zero where normals, or equations, are proportional.
+constexpr std::array<std::array<std::size_t, 2>, 3> ColumnsOfNormals = {{{0, 1}, {0, 2}, {1, 2}}};
+constexpr std::array<std::array<std::size_t, 2>, 6> ColumnsOfEquations = {
+    {{0, 1}, {1, 2}, {2, 3}, {3, 0}, {0, 2}, {1, 3}}};
+
+/// The first minor that is not zero, or not certainly; zero when there is none.
+template <class Columns>
+ZULMRSBSPSign FirstMinor(const ZULMRSBSPPlane& p, const ZULMRSBSPPlane& q, const Columns& columns)
+{
+    const ZULMRSBSPIntegerForm* a = ZULMRSBSPDirectReads::Integers(p);
+    const ZULMRSBSPIntegerForm* b = ZULMRSBSPDirectReads::Integers(q);
+    if (a == nullptr || b == nullptr) {
+        return ZULMRSBSPSign::Undecided();
+    }
+    for (const auto& [i, j] : columns) {
+        const ZULMRSBSPSign minor = ZULMRSBSPIntegerForms::Minor(*a, *b, i, j);
+        if (!minor.IsZero()) {
+            return minor;
+        }
+    }
+    return ZULMRSBSPSign::Zero();
 }
 
 //---------------------------------------------------------------- three normals

@@ -5,10 +5,12 @@
 #include <array>
 #include <cstddef>
 #include <functional>
+#include <optional>
 
 #include "ZULMRSBSPEquation.h"
 #include "ZULMRSBSPFilter.h"
 #include "ZULMRSBSPFormulas.h"
+#include "ZULMRSBSPIntegerForms.h"
 #include "ZULMRSBSPOrientation.h"
 #include "ZULMRSBSPPlaneRelations.h"
 #include "ZULMRSBSPSign.h"
@@ -38,8 +40,7 @@ inline std::array<double, 3> Coordinates(const ZULMRSBSPPoint& point)
 /// otherwise.
 inline ZULMRSBSPSign SignOfW(const std::array<ZULExpDynamic, 4>& representation)
 {
-    return ZULMRSBSPOrientation::IsUsable(representation) ? ZULMRSBSPSign::Positive()
-                                                          : ZULMRSBSPSign::Undecided();
+    return ZULMRSBSPFilter::IsUsable(representation) ? ZULMRSBSPSign::Positive() : ZULMRSBSPSign::Undecided();
 }
 template <class Number>
 ZULMRSBSPSign SignOfW(const std::array<Number, 4>& representation)
@@ -103,6 +104,55 @@ inline bool AreEqual(const ZULMRSBSPPoint& p, const ZULMRSBSPPoint& q)
 }
 
 //---------------------------------------------------------------- order
+
+/// The exact (X, Y, Z, W) of the meeting point of planes that keep exact integers, each times one factor.
+inline std::optional<std::array<ZULMRSBSPShortInteger<3>, 4>> ExactMeetingPoint(const ZULMRSBSPPoint& point)
+{
+    using ZULMRSBSPIntegerForms::ToInputs;
+    if (!ZULMRSBSPDirectReads::Is3PlanesPoint(point)) {
+        return std::nullopt;
+    }
+    const ZULMRSBSPIntegerForm* p = ZULMRSBSPDirectReads::ExactIntegers(point.GetP1());
+    const ZULMRSBSPIntegerForm* q = ZULMRSBSPDirectReads::ExactIntegers(point.GetP2());
+    const ZULMRSBSPIntegerForm* r = ZULMRSBSPDirectReads::ExactIntegers(point.GetP3());
+    if (p == nullptr || q == nullptr || r == nullptr) {
+        return std::nullopt;
+    }
+    return ZULMRSBSPFormulas::MeetingPoint(ToInputs(*p), ToInputs(*q), ToInputs(*r));
+}
+
+/// Of two coordinates, where neither W is zero.
+inline ZULMRSBSPSign ExactOrderByIntegers(const ZULMRSBSPPoint& p, const ZULMRSBSPPoint& q, std::size_t axis)
+{
+    const auto a = ExactMeetingPoint(p);
+    const auto b = ExactMeetingPoint(q);
+    if (!a || !b) {
+        return ZULMRSBSPSign::Undecided();
+    }
+    return (*a)[3].Sign() * (*b)[3].Sign() *
+           SignOfDifferenceOfProducts((*a)[axis], (*b)[3], (*a)[3], (*b)[axis]);
+}
+
+/// Positive where p comes after q. Needs no floating-point scope.
+inline ZULMRSBSPSign OrderByIntegers(const ZULMRSBSPPoint& p, const ZULMRSBSPPoint& q)
+{
+    const ZULMRSBSPIntegerForm* a = ZULMRSBSPDirectReads::Integers(p);
+    const ZULMRSBSPIntegerForm* b = ZULMRSBSPDirectReads::Integers(q);
+    if (a == nullptr || b == nullptr) {
+        return ZULMRSBSPSign::Undecided();
+    }
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        ZULMRSBSPSign sign =
+            ZULMRSBSPStages::Counted(ZULMRSBSPStage::Filter, ZULMRSBSPIntegerForms::Minor(*a, *b, axis, 3));
+        if (!sign.IsDecided()) {
+            sign = ZULMRSBSPStages::Counted(ZULMRSBSPStage::Exact, ExactOrderByIntegers(p, q, axis));
+        }
+        if (!sign.IsZero()) {
+            return sign;
+        }
+    }
+    return ZULMRSBSPSign::Zero();
+}
 
 inline ZULMRSBSPSign EvaluateCoordinates(const std::array<ZULExpDynamic, 4>& p,
                                          const std::array<ZULExpDynamic, 4>& q, std::size_t axis)

@@ -27,6 +27,23 @@ ZULMRSExtendedBool ToSide(int kernelResult)
     return ZULMRSBSPSign::FromNumber(kernelResult).ToAnswer();
 }
 
+// Apart, so that what comes before needs no frame.
+[[gnu::noinline]] ZULMRSExtendedBool SideCarefully(const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& point)
+{
+    if (ZULMRSBSPOrientation::IsOwnPlane(plane, point)) {
+        ZULMRSBSPStageCounters::Count(ZULMRSBSPStage::Shortcut);
+        return ZULMRSExtendedUndetermined;
+    }
+    const ZULMRSBSPSign sign =
+        ZULMRSBSPStages::FirstDecided([&] { return ZULMRSBSPOrientation::ByIntegers(plane, point); },
+                                      [&] { return ZULMRSBSPOrientation::ExactByIntegers(plane, point); });
+    if (sign.IsDecided()) {
+        return sign.ToAnswer();
+    }
+    const ZULExpFloatScope scope;
+    return ToSide(Settled(ZULMRSBSPOrientation::AtPoint(plane, point)));
+}
+
 /// The answer of a predicate that is true or false, never undetermined.
 ZULMRSExtendedBool ToTruth(int isTrue)
 {
@@ -64,6 +81,10 @@ int SignOf3x3Determinant(double a1, double a2, double a3, double a4, double a5, 
 
 int SignOf3PlanesDeterminant(const ZULMRSBSPPlane& p1, const ZULMRSBSPPlane& p2, const ZULMRSBSPPlane& p3)
 {
+    const ZULMRSBSPSign sign = ZULMRSBSPPlaneRelations::DeterminantOfNormalsByIntegers(p1, p2, p3);
+    if (sign.IsDecided()) {
+        return sign.ToKernelResult();
+    }
     const ZULExpFloatScope scope;
     return Settled(ZULMRSBSPPlaneRelations::DeterminantOfNormals(p1, p2, p3));
 }
@@ -75,18 +96,24 @@ ZULMRSExtendedBool IsPointInFrontOfPlane(const ZULMRSBSPPlane& plane, const std:
 
 ZULMRSExtendedBool IsPointInFrontOfPlane(const ZULMRSBSPPlane& plane, const ZULMathPoint& point)
 {
+    const ZULMRSBSPSign sign = ZULMRSBSPOrientation::AtCoordinatesByIntegers(plane, point);
+    if (sign.IsDecided()) {
+        return sign.ToAnswer();
+    }
     const ZULExpFloatScope scope;
     return ToSide(Settled(ZULMRSBSPOrientation::AtCoordinates(plane, point)));
 }
 
 ZULMRSExtendedBool IsPointInFrontOfPlane(const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& point)
 {
-    if (ZULMRSBSPOrientation::IsOwnPlane(plane, point)) {
-        ZULMRSBSPStageCounters::Count(ZULMRSBSPStage::Shortcut);
-        return ZULMRSExtendedUndetermined;
+    // A three-planes point lies on its own planes by its integers too, so these may come before identities.
+    if (ZULMRSBSPDirectReads::Is3PlanesPoint(point)) [[likely]] {
+        const ZULMRSBSPSign sign = ZULMRSBSPOrientation::ByIntegers(plane, point);
+        if (sign.IsDecided()) {
+            return sign.ToAnswer();
+        }
     }
-    const ZULExpFloatScope scope;
-    return ToSide(Settled(ZULMRSBSPOrientation::AtPoint(plane, point)));
+    return SideCarefully(plane, point);
 }
 
 ZULMRSExtendedBool IsPointInFrontOfPlaneFast(const ZULMRSBSPPlane& plane, const ZULMathPoint& point)
@@ -109,6 +136,11 @@ ZULMRSExtendedBool ArePlanesParallel(const ZULMRSBSPPlane& p, const ZULMRSBSPPla
     if (&p == &q) {
         return ZULMRSExtendedTrue;
     }
+    const ZULMRSBSPSign minors =
+        ZULMRSBSPPlaneRelations::FirstMinor(p, q, ZULMRSBSPPlaneRelations::ColumnsOfNormals);
+    if (minors.IsDecided()) {
+        return ToTruth(static_cast<int>(minors.IsZero()));
+    }
     const ZULExpFloatScope scope;
     return ToTruth(Settled(static_cast<int>(ZULMRSBSPPlaneRelations::AreParallel(p, q))));
 }
@@ -117,6 +149,11 @@ ZULMRSExtendedBool ArePlanesCoincident(const ZULMRSBSPPlane& p, const ZULMRSBSPP
 {
     if (&p == &q) {
         return ZULMRSExtendedTrue;
+    }
+    const ZULMRSBSPSign minors =
+        ZULMRSBSPPlaneRelations::FirstMinor(p, q, ZULMRSBSPPlaneRelations::ColumnsOfEquations);
+    if (minors.IsDecided()) {
+        return ToTruth(static_cast<int>(minors.IsZero()));
     }
     const ZULExpFloatScope scope;
     return ToTruth(Settled(static_cast<int>(ZULMRSBSPPlaneRelations::AreCoincident(p, q))));
@@ -150,6 +187,10 @@ ZULMRSExtendedBool LexicographicOrder(ZULMRSBSPPoint& p, ZULMRSBSPPoint& q)
 {
     if (&p == &q) {
         return ZULMRSExtendedFalse;
+    }
+    const ZULMRSBSPSign order = ZULMRSBSPPointRelations::OrderByIntegers(p, q);
+    if (order.IsDecided()) {
+        return ToTruth(static_cast<int>(order.IsPositive()));
     }
     const ZULExpFloatScope scope;
     return ToTruth(Settled(static_cast<int>(ZULMRSBSPPointRelations::ComesAfter(p, q))));

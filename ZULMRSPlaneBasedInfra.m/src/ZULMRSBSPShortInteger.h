@@ -56,22 +56,59 @@ public:
 
     std::uint64_t GetLimb(std::size_t index) const { return m_Limbs[index]; }
 
+    /// |this| |other|, least significant limb first.
+    std::array<std::uint64_t, 2 * Limbs> ProductOfMagnitudes(const ZULMRSBSPShortInteger& other) const
+    {
+        const std::array<std::uint64_t, Limbs> x = Magnitude();
+        const std::array<std::uint64_t, Limbs> y = other.Magnitude();
+        std::array<std::uint64_t, 2 * Limbs> product{};
+        for (std::size_t i = 0; i < Limbs; ++i) {
+            UnsignedWide carry = 0;
+            for (std::size_t j = 0; j < Limbs; ++j) {
+                carry += UnsignedWide{x[i]} * y[j] + product[i + j];
+                product[i + j] = static_cast<std::uint64_t>(carry);
+                carry >>= 64;
+            }
+            product[i + Limbs] = static_cast<std::uint64_t>(carry);
+        }
+        return product;
+    }
+
 private:
     __extension__ using Wide = __int128;
     __extension__ using UnsignedWide = unsigned __int128;
 
-    /// x + y, or with all bits in the mask x - y.
+    std::array<std::uint64_t, Limbs> Magnitude() const
+    {
+        return Sign().IsNegative() ? (-*this).m_Limbs : m_Limbs;
+    }
+
+    /// x + y, or with all bits in the mask x - y. The mask is a constant where this is called.
     static ZULMRSBSPShortInteger Sum(const ZULMRSBSPShortInteger& x, const ZULMRSBSPShortInteger& y,
                                      std::uint64_t mask)
     {
         ZULMRSBSPShortInteger result;
+        if constexpr (Limbs == 2) {
+            const UnsignedWide a = x.Low();
+            const UnsignedWide b = y.Low();
+            result.SetLow(mask != 0 ? a - b : a + b);
+            return result;
+        }
         std::uint64_t carry = mask & 1U;
         for (std::size_t i = 0; i < Limbs; ++i) {
-            const UnsignedWide sum = UnsignedWide{x.m_Limbs[i]} + (y.m_Limbs[i] ^ mask) + carry;
-            result.m_Limbs[i] = static_cast<std::uint64_t>(sum);
-            carry = static_cast<std::uint64_t>(sum >> 64);
+            std::uint64_t sum = 0;
+            const bool first = __builtin_add_overflow(x.m_Limbs[i], y.m_Limbs[i] ^ mask, &sum);
+            const bool second = __builtin_add_overflow(sum, carry, &result.m_Limbs[i]);
+            carry = static_cast<std::uint64_t>(first | second);
         }
         return result;
+    }
+
+    UnsignedWide Low() const requires(Limbs > 1) { return (UnsignedWide{m_Limbs[1]} << 64) | m_Limbs[0]; }
+    void SetLow(UnsignedWide value) requires(Limbs > 1)
+    {
+        m_Limbs[0] = static_cast<std::uint64_t>(value);
+        m_Limbs[1] = static_cast<std::uint64_t>(value >> 64);
     }
 
     // With the factor below 2^62 no partial product leaves the range of the wide integer.
@@ -92,6 +129,27 @@ private:
 
     std::array<std::uint64_t, Limbs> m_Limbs{};
 };
+
+/// The sign of a b - c d.
+template <std::size_t Limbs>
+ZULMRSBSPSign SignOfDifferenceOfProducts(const ZULMRSBSPShortInteger<Limbs>& a,
+                                         const ZULMRSBSPShortInteger<Limbs>& b,
+                                         const ZULMRSBSPShortInteger<Limbs>& c,
+                                         const ZULMRSBSPShortInteger<Limbs>& d)
+{
+    const ZULMRSBSPSign ab = a.Sign() * b.Sign();
+    const ZULMRSBSPSign cd = c.Sign() * d.Sign();
+    if (ab != cd || ab.IsZero()) {
+        return ZULMRSBSPSign::FromNumber(std::clamp(ab.ToKernelResult() - cd.ToKernelResult(), -1, 1));
+    }
+    const auto first = a.ProductOfMagnitudes(b);
+    const auto second = c.ProductOfMagnitudes(d);
+    const int order = static_cast<int>(std::lexicographical_compare(second.rbegin(), second.rend(),
+                                                                    first.rbegin(), first.rend())) -
+                      static_cast<int>(std::lexicographical_compare(first.rbegin(), first.rend(),
+                                                                    second.rbegin(), second.rend()));
+    return ab * ZULMRSBSPSign::FromNumber(order);
+}
 
 /// Doubles as integers times common powers of two. Scaling a row, or the last column, of a determinant by a
 /// power of two does not change its sign.
@@ -151,24 +209,59 @@ inline Input ToInteger(const Parts& parts, int scale)
     return Input({(magnitude ^ parts.m_SignMask) - parts.m_SignMask});
 }
 
-/// A row with a scale of its own. False when it does not fit.
-inline bool Convert(const std::array<double, 3>& row, std::array<Input, 3>& integers)
+/// Numbers as integers of one scale, cut off where they do not fit.
+template <std::size_t Size>
+struct Row {
+    std::array<std::int64_t, Size> m_Values;
+    bool m_IsFinite;
+    bool m_IsExact;  ///< finite, and nothing was cut off
+
+    const std::int64_t& operator[](std::size_t i) const { return m_Values[i]; }
+};
+
+/// The last number is multiplied by 2^shiftOfLast.
+template <std::size_t Size>
+Row<Size> Cut(const std::array<double, Size>& numbers, int shiftOfLast = 0)
 {
-    std::array<Parts, 3> parts;
-    Range range;
-    for (std::size_t i = 0; i < 3; ++i) {
-        if (!TakeApart(row[i], parts[i])) {
-            return false;
-        }
-        range.Include(parts[i]);
+    constexpr unsigned int room = InputBits - 53;
+    std::array<Parts, Size> parts;
+    bool isFinite = true;
+    int top = std::min(shiftOfLast, 0);  // no number has a lower exponent
+    for (std::size_t i = 0; i < Size; ++i) {
+        isFinite &= TakeApart(numbers[i], parts[i]);
+        parts[i].m_Exponent += i == Size - 1 ? shiftOfLast : 0;
+        top = std::max(top, parts[i].m_Exponent);
     }
-    if (range.m_High - range.m_Low > InputBits) {
-        return false;
+    Row<Size> row;
+    std::uint64_t lost = 0;
+    for (std::size_t i = 0; i < Size; ++i) {
+        const auto places = static_cast<unsigned int>(std::min(top - parts[i].m_Exponent, 63));
+        const std::uint64_t mantissa = parts[i].m_Mantissa << room;
+        const std::uint64_t magnitude = mantissa >> places;
+        lost |= (magnitude << places) ^ mantissa;
+        row.m_Values[i] = static_cast<std::int64_t>((magnitude ^ parts[i].m_SignMask) - parts[i].m_SignMask);
     }
-    for (std::size_t i = 0; i < 3; ++i) {
-        integers[i] = ToInteger(parts[i], range.m_Low);
+    row.m_IsFinite = isFinite;
+    row.m_IsExact = isFinite && lost == 0;
+    return row;
+}
+
+__extension__ using Wide = __int128;
+
+inline ZULMRSBSPSign SignOf(Wide value)
+{
+    return ZULMRSBSPSign::FromNumber(static_cast<int>(value > 0) - static_cast<int>(value < 0));
+}
+
+/// As the inputs of a polynomial.
+template <std::size_t Size>
+std::array<Input, Size> ToInputs(const std::array<std::int64_t, Size>& values)
+{
+    std::array<Input, Size> inputs;
+    for (std::size_t i = 0; i < Size; ++i) {
+        inputs[i] = Input({static_cast<std::uint64_t>(values[i])});
     }
-    return true;
+    return inputs;
 }
 
 /// Four plane equations, each with a scale of its own, and one more scale for all offsets. False when they do

@@ -31,9 +31,7 @@ public:
     /// The side that the sign of an equation tells; undetermined where undecided.
     constexpr ZULMRSExtendedBool ToAnswer() const
     {
-        return IsPositive()   ? ZULMRSExtendedTrue
-               : IsNegative() ? ZULMRSExtendedFalse
-                              : ZULMRSExtendedUndetermined;
+        return static_cast<ZULMRSExtendedBool>(IsDecided() ? m_Result : 0);
     }
 
     friend constexpr bool operator==(const ZULMRSBSPSign&, const ZULMRSBSPSign&) = default;

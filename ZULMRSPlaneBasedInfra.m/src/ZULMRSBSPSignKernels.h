@@ -9,6 +9,7 @@
 
 #include "ZULMRSBSPFilter.h"
 #include "ZULMRSBSPFormulas.h"
+#include "ZULMRSBSPIntegerForms.h"
 #include "ZULMRSBSPShortInteger.h"
 #include "ZULMRSBSPSign.h"
 #include "ZULMRSBSPStages.h"
@@ -33,7 +34,29 @@ struct ZULMRSBSPDeterminant2x2Kernel {
     {
         return ZULMRSBSPShortcut::SignOfSum(s[0] * s[3], -(s[1] * s[2]));
     }
+    static ZULMRSBSPSign ByIntegers(const std::array<double, NbInputs>& x)
+    {
+        using namespace ZULMRSBSPShortIntegers;
+        const Row<2> p = Cut<2>({x[0], x[1]});
+        const Row<2> q = Cut<2>({x[2], x[3]});
+        return p.m_IsExact && q.m_IsExact
+                   ? SignOf(ZULMRSBSPFormulas::Determinant2x2<Wide>(p[0], p[1], q[0], q[1]))
+                   : ZULMRSBSPSign::Undecided();
+    }
 };
+
+/// The sign of a polynomial that is linear in the differences of x[0] to x[3] and in those of x[4] to x[7]. A
+/// difference has 63 bits, a sum of two products 127.
+template <class Polynomial>
+ZULMRSBSPSign ZULMRSBSPDifferencesByIntegers(const std::array<double, 8>& x, const Polynomial& polynomial)
+{
+    using namespace ZULMRSBSPShortIntegers;
+    const Row<4> p = Cut<4>({x[0], x[1], x[2], x[3]});
+    const Row<4> q = Cut<4>({x[4], x[5], x[6], x[7]});
+    return p.m_IsExact && q.m_IsExact
+               ? SignOf(polynomial(std::array<Wide, 8>{p[0], p[1], p[2], p[3], q[0], q[1], q[2], q[3]}))
+               : ZULMRSBSPSign::Undecided();
+}
 
 struct ZULMRSBSPDifferenceDeterminantKernel {
     static constexpr std::size_t NbInputs = 8;
@@ -44,6 +67,10 @@ struct ZULMRSBSPDifferenceDeterminantKernel {
     static Number Value(const std::array<Number, NbInputs>& x)
     {
         return ZULMRSBSPFormulas::DifferenceDeterminant(x);
+    }
+    static ZULMRSBSPSign ByIntegers(const std::array<double, NbInputs>& x)
+    {
+        return ZULMRSBSPDifferencesByIntegers(x, Value<ZULMRSBSPShortIntegers::Wide>);
     }
 };
 
@@ -56,6 +83,10 @@ struct ZULMRSBSPDifferenceDotProductKernel {
     static Number Value(const std::array<Number, NbInputs>& x)
     {
         return ZULMRSBSPFormulas::DifferenceDotProduct(x);
+    }
+    static ZULMRSBSPSign ByIntegers(const std::array<double, NbInputs>& x)
+    {
+        return ZULMRSBSPDifferencesByIntegers(x, Value<ZULMRSBSPShortIntegers::Wide>);
     }
 };
 
@@ -74,6 +105,15 @@ struct ZULMRSBSPDotProductKernel {
     {
         return ZULMRSBSPShortcut::SignOfSum(s[0] * s[3], s[1] * s[4], s[2] * s[5]);
     }
+    static ZULMRSBSPSign ByIntegers(const std::array<double, NbInputs>& x)
+    {
+        using namespace ZULMRSBSPShortIntegers;
+        const Row<3> u = Cut<3>({x[0], x[1], x[2]});
+        const Row<3> v = Cut<3>({x[3], x[4], x[5]});
+        return u.m_IsExact && v.m_IsExact
+                   ? SignOf(ZULMRSBSPFormulas::DotProduct<Wide>({u[0], u[1], u[2]}, {v[0], v[1], v[2]}))
+                   : ZULMRSBSPSign::Undecided();
+    }
 };
 
 /// Inputs: the plane's a, b, c, d, then the point's x, y, z.
@@ -90,6 +130,11 @@ struct ZULMRSBSPEquationKernel {
     static ZULMRSBSPSign Shortcut(const std::array<int, NbInputs>& s)
     {
         return ZULMRSBSPShortcut::SignOfSum(s[0] * s[4], s[1] * s[5], s[2] * s[6], s[3]);
+    }
+    static ZULMRSBSPSign ByIntegers(const std::array<double, NbInputs>& x)
+    {
+        return ZULMRSBSPIntegerForms::SideOf(ZULMRSBSPIntegerForms::OfPlane({x[0], x[1], x[2], x[3]}),
+                                             ZULMRSBSPIntegerForms::OfCoordinates({x[4], x[5], x[6]}));
     }
 };
 
@@ -150,16 +195,17 @@ struct ZULMRSBSPDeterminant3x3Kernel {
         return DecideMultiplied(partial + minors[2] * Filtered(x[2]), largest, K);
     }
 
-    /// In integers of fixed length, where the rows fit: exact, and cheaper than intervals.
-    static ZULMRSBSPSign ShortExact(const std::array<double, NbInputs>& x)
+    static ZULMRSBSPSign ByIntegers(const std::array<double, NbInputs>& x)
     {
-        std::array<std::array<ZULMRSBSPShortIntegers::Input, 3>, 3> rows;
-        for (std::size_t i = 0; i < 3; ++i) {
-            if (!ZULMRSBSPShortIntegers::Convert({x[3 * i], x[3 * i + 1], x[3 * i + 2]}, rows[i])) {
-                return ZULMRSBSPSign::Undecided();
-            }
-        }
-        return ZULMRSBSPFormulas::Determinant3x3(rows[0], rows[1], rows[2]).Sign();
+        using namespace ZULMRSBSPShortIntegers;
+        const Row<3> p = Cut<3>({x[0], x[1], x[2]});
+        const Row<3> q = Cut<3>({x[3], x[4], x[5]});
+        const Row<3> r = Cut<3>({x[6], x[7], x[8]});
+        return p.m_IsExact && q.m_IsExact && r.m_IsExact
+                   ? ZULMRSBSPFormulas::Determinant3x3(ToInputs(p.m_Values), ToInputs(q.m_Values),
+                                                       ToInputs(r.m_Values))
+                         .Sign()
+                   : ZULMRSBSPSign::Undecided();
     }
 
 private:
@@ -208,7 +254,12 @@ public:
 
     /// The sign of the kernel's polynomial at the inputs, from any floating-point environment: -1, 0, 1; 2
     /// only for input that is not finite.
-    static int Sign(Inputs inputs)
+    static int Sign(const Inputs& inputs)
+    {
+        const ZULMRSBSPSign sign = ByIntegers(inputs);
+        return sign.IsDecided() ? sign.ToKernelResult() : SignInStages(inputs);
+    }
+    [[gnu::noinline]] static int SignInStages(const Inputs& inputs)
     {
         const ZULExpFloatScope scope;
         int result = Decide(inputs).ToKernelResult();
@@ -252,11 +303,12 @@ public:
             return ZULMRSBSPFilter::Decide(Value<ZULMRSBSPFilteredDouble>(inputs), Kernel::K);
         }
     }
+    /// In integers of fixed length, without a floating-point instruction: exact, and cheaper than intervals.
     /// Undecided where the kernel has no such stage or the input does not fit.
-    static ZULMRSBSPSign ShortExact([[maybe_unused]] const Inputs& inputs)
+    static ZULMRSBSPSign ByIntegers([[maybe_unused]] const Inputs& inputs)
     {
-        if constexpr (requires { Kernel::ShortExact(inputs); }) {
-            return ZULMRSBSPStages::Counted(ZULMRSBSPStage::Exact, Kernel::ShortExact(inputs));
+        if constexpr (requires { Kernel::ByIntegers(inputs); }) {
+            return ZULMRSBSPStages::Counted(ZULMRSBSPStage::Exact, Kernel::ByIntegers(inputs));
         } else {
             return ZULMRSBSPSign::Undecided();
         }
@@ -282,7 +334,7 @@ private:
     // Apart, so that the stages before it stay small enough to be inlined.
     [[gnu::noinline]] static ZULMRSBSPSign DecideCarefully(const Inputs& inputs)
     {
-        return ZULMRSBSPStages::FirstDecided([&inputs] { return ShortExact(inputs); },
+        return ZULMRSBSPStages::FirstDecided([&inputs] { return ByIntegers(inputs); },
                                              [&inputs] { return Interval(inputs); },
                                              [&inputs] { return Exact(inputs); });
     }

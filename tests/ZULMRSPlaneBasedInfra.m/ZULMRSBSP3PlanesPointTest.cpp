@@ -122,11 +122,15 @@ TEST(ThreePlanesPoint, FieldsFollowTheBase)
 {
     const Fixture f(Corner);
     const auto* base = reinterpret_cast<const unsigned char*>(f.m_Point.get());
-    EXPECT_EQ(static_cast<const void*>(CacheOf(*f.m_Point)), base + sizeof(ZULMRSBSPPoint));
-    const std::size_t flag = sizeof(ZULMRSBSPPoint) + 4 * sizeof(ZULExpDynamic);
+    EXPECT_EQ(static_cast<const void*>(CacheOf(*f.m_Point)),
+              base + sizeof(ZULMRSBSPPoint) + sizeof(ZULMRSBSPIntegerForm));
+    const std::size_t flag =
+        sizeof(ZULMRSBSPPoint) + sizeof(ZULMRSBSPIntegerForm) + 4 * sizeof(ZULExpDynamic);
     EXPECT_EQ(sizeof(ZULMRSBSP3PlanesPoint), flag + sizeof(double));
     EXPECT_EQ(ZULTest::PeekAt<unsigned char>(*f.m_Point, flag), 1);
-    EXPECT_EQ(ZULTest::PeekAt<unsigned char>(*Fixture(Huge).m_Point, flag), 0);
+    const Fixture huge(Huge);
+    EXPECT_EQ(CacheOf(*huge.m_Point), nullptr);
+    EXPECT_EQ(ZULTest::PeekAt<unsigned char>(*huge.m_Point, flag), 0);
 }
 
 TEST(ThreePlanesPoint, AnUndecidedExchangeLeavesTheCachedNumbersAlone)

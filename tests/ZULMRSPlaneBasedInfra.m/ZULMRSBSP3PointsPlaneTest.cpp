@@ -38,7 +38,7 @@ PlaneOwner Through(const Points& points)
 
 Records RecordsOf(const ZULMRSBSP3PointsPlane& plane)
 {
-    return ZULTest::PeekAt<Records>(plane, sizeof(ZULMRSBSPPlane));
+    return ZULTest::PeekAt<Records>(plane, sizeof(ZULMRSBSPPlane) + sizeof(ZULMRSBSPIntegerForm));
 }
 
 Plane4 Reversed(const Plane4& plane)
@@ -49,8 +49,9 @@ Plane4 Reversed(const Plane4& plane)
 TEST(ThreePointsPlane, FieldsFollowTheBaseInOrder)
 {
     auto plane = Through(UnitPoints);
-    EXPECT_EQ(sizeof(ZULMRSBSP3PointsPlane), sizeof(ZULMRSBSPPlane) + 16 * sizeof(double));
-    std::size_t offset = sizeof(ZULMRSBSPPlane);
+    EXPECT_EQ(sizeof(ZULMRSBSP3PointsPlane),
+              sizeof(ZULMRSBSPPlane) + 16 * sizeof(double) + sizeof(ZULMRSBSPIntegerForm));
+    std::size_t offset = sizeof(ZULMRSBSPPlane) + sizeof(ZULMRSBSPIntegerForm);
     const auto records = ZULTest::PeekAt<Records>(*plane, offset);
     for (std::size_t i = 0; i < 3; ++i) {
         EXPECT_EQ(records[i]->m_Coordinates, UnitPoints[i]);

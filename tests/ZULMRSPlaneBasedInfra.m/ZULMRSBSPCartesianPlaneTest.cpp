@@ -88,8 +88,10 @@ TEST(CartesianPlane, DoublesAreReadWithoutAllocation)
 TEST(CartesianPlane, CoefficientsFollowTheBase)
 {
     const ZULMRSBSPCartesianPlane plane({1.5, 2.5, 3.5, 4.5});
-    EXPECT_EQ(sizeof(ZULMRSBSPCartesianPlane), sizeof(ZULMRSBSPPlane) + sizeof(Plane4));
-    EXPECT_EQ(ZULTest::PeekAt<Plane4>(plane, sizeof(ZULMRSBSPPlane)), (Plane4{1.5, 2.5, 3.5, 4.5}));
+    EXPECT_EQ(sizeof(ZULMRSBSPCartesianPlane),
+              sizeof(ZULMRSBSPPlane) + sizeof(Plane4) + sizeof(ZULMRSBSPIntegerForm));
+    EXPECT_EQ(ZULTest::PeekAt<Plane4>(plane, sizeof(ZULMRSBSPPlane) + sizeof(ZULMRSBSPIntegerForm)),
+              (Plane4{1.5, 2.5, 3.5, 4.5}));
 }
 
 #if ZUL_TEST_HAS_SLOTS

@@ -51,8 +51,10 @@ TEST(CartesianPoint, OwnsTheThreePlanesThroughItsCoordinates)
 TEST(CartesianPoint, FieldsFollowTheBase)
 {
     auto point = Own(new ZULMRSBSPCartesianPoint(ZULMathPoint(1, 2, 3)));
-    EXPECT_EQ(sizeof(ZULMRSBSPCartesianPoint), sizeof(ZULMRSBSPPoint) + 3 * sizeof(double));
-    EXPECT_EQ((ZULTest::PeekAt<std::array<double, 3>>(*point, sizeof(ZULMRSBSPPoint))),
+    EXPECT_EQ(sizeof(ZULMRSBSPCartesianPoint),
+              sizeof(ZULMRSBSPPoint) + 3 * sizeof(double) + sizeof(ZULMRSBSPIntegerForm));
+    EXPECT_EQ((ZULTest::PeekAt<std::array<double, 3>>(*point,
+                                                      sizeof(ZULMRSBSPPoint) + sizeof(ZULMRSBSPIntegerForm))),
               (std::array<double, 3>{1, 2, 3}));
 }
 

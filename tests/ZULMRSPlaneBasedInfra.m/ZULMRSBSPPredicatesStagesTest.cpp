@@ -201,20 +201,20 @@ TEST(ZULMRSBSPPredicatesStages, RowsThatFitAreDecidedInShortIntegers)
     using Kernel = ZULMRSBSPKernel<Det3>;
     const ZULExpFloatScope scope;
     // Full mantissas of similar size; the rows' own sizes do not matter, denormal ones included.
-    EXPECT_TRUE(Kernel::ShortExact({0.1, 0.2, 0.3, 0.3, 0.7, 0.9, 0.2, 0.4, 0.6}).IsZero());
-    EXPECT_TRUE(Kernel::ShortExact({1e300, 2e300, 3e300, 1e-300, 3e-300, 2e-300, 1, 2, 3.1}).IsPositive());
-    EXPECT_TRUE(Kernel::ShortExact({DenormMin, 0, 0, 0, 7 * DenormMin, 0, 0, 0, -1}).IsNegative());
-    EXPECT_TRUE(Kernel::ShortExact({0, 0, 0, 0.1, 0.2, 0.3, 0.2, 0.7, 0.5}).IsZero());
+    EXPECT_TRUE(Kernel::ByIntegers({0.1, 0.2, 0.3, 0.3, 0.7, 0.9, 0.2, 0.4, 0.6}).IsZero());
+    EXPECT_TRUE(Kernel::ByIntegers({1e300, 2e300, 3e300, 1e-300, 3e-300, 2e-300, 1, 2, 3.1}).IsPositive());
+    EXPECT_TRUE(Kernel::ByIntegers({DenormMin, 0, 0, 0, 7 * DenormMin, 0, 0, 0, -1}).IsNegative());
+    EXPECT_TRUE(Kernel::ByIntegers({0, 0, 0, 0.1, 0.2, 0.3, 0.2, 0.7, 0.5}).IsZero());
     // The largest inputs, of either sign: 2^62 - 1 in place of the row's common scale.
     const double most = 0x1.fffffffffffffp52;
     EXPECT_TRUE(
-        Kernel::ShortExact({most * 0x1p9, 1, -1, -1, most * 0x1p9, 1, 1, 1, most * 0x1p9}).IsPositive());
-    EXPECT_TRUE(Kernel::ShortExact({most * 0x1p9, -most * 0x1p9, 1, most * 0x1p9, most * 0x1p9, 1, 1, 1, -1})
+        Kernel::ByIntegers({most * 0x1p9, 1, -1, -1, most * 0x1p9, 1, 1, 1, most * 0x1p9}).IsPositive());
+    EXPECT_TRUE(Kernel::ByIntegers({most * 0x1p9, -most * 0x1p9, 1, most * 0x1p9, most * 0x1p9, 1, 1, 1, -1})
                     .IsNegative());
     // One place more than fits; and what is not finite.
-    EXPECT_FALSE(Kernel::ShortExact({most * 0x1p10, 1, 0, 0, 1, 0, 0, 0, 1}).IsDecided());
+    EXPECT_FALSE(Kernel::ByIntegers({most * 0x1p10, 1, 0, 0, 1, 0, 0, 0, 1}).IsDecided());
     EXPECT_FALSE(
-        Kernel::ShortExact({std::numeric_limits<double>::infinity(), 1, 0, 0, 1, 0, 0, 0, 1}).IsDecided());
+        Kernel::ByIntegers({std::numeric_limits<double>::infinity(), 1, 0, 0, 1, 0, 0, 0, 1}).IsDecided());
 }
 
 TEST(ZULMRSBSPPredicatesStages, InputThatIsNotFiniteLeavesTheExactStageOpenWhereThatIsReported)

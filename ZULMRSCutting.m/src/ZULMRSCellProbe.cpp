@@ -1,6 +1,7 @@
 #include "ZULMRSCellProbe.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <utility>
 
@@ -38,7 +39,14 @@ void ZULMRSCellProbe::Sort(const ZULMRSBSPPolyhedron& cell, std::vector<ZULMRSTo
 
 void ZULMRSCellProbe::Sketch(const ZULMRSBSPPolyhedron& cell)
 {
-    m_Points.clear();
+    std::size_t nbCorners = 0;
+    for (const ZULMRSBSPPolygon* polygon : cell.GetPolygons()) {
+        nbCorners += polygon->GetNbPoints();
+    }
+    if (m_Slots.size() < 2 * nbCorners) {
+        m_Slots.assign(std::bit_ceil(2 * nbCorners), {});
+    }
+    ++m_Generation;
     m_Vertices.clear();
     m_NbClipped = 0;
     for (std::size_t index = 0; index < cell.GetNbPolygons(); ++index) {
@@ -57,13 +65,18 @@ void ZULMRSCellProbe::Sketch(const ZULMRSBSPPolyhedron& cell)
 
 ZULMRSCellProbe::Index ZULMRSCellProbe::VertexOf(const ZULMRSBSPPoint* point)
 {
-    const auto known = std::find(m_Points.begin(), m_Points.end(), point);
-    if (known != m_Points.end()) {
-        return static_cast<Index>(known - m_Points.begin());
+    const std::size_t mask = m_Slots.size() - 1;
+    std::size_t position =
+        (reinterpret_cast<std::uintptr_t>(point) >> 4) * 0x9E3779B97F4A7C15ULL >> 40 & mask;
+    while (m_Slots[position].m_Generation == m_Generation && m_Slots[position].m_Point != point) {
+        position = (position + 1) & mask;
     }
-    m_Points.push_back(point);
-    m_Vertices.push_back(point->GetApproximatedXYZ());
-    return static_cast<Index>(m_Points.size() - 1);
+    Slot& slot = m_Slots[position];
+    if (slot.m_Generation != m_Generation) {
+        slot = {point, m_Generation, static_cast<Index>(m_Vertices.size())};
+        m_Vertices.push_back(point->GetApproximatedXYZ());
+    }
+    return slot.m_Vertex;
 }
 
 /// Keeps the part behind the plane; false when nothing with an inside seems to be left.

@@ -51,7 +51,14 @@ private:
     void CloseWithWall(std::size_t position);
     Loop& NextLoop(std::size_t bound);
 
-    std::vector<const ZULMRSBSPPoint*> m_Points;  // of the first vertices, as the cell has them
+    struct Slot {
+        const ZULMRSBSPPoint* m_Point = nullptr;
+        std::uint64_t m_Generation = 0;
+        Index m_Vertex = 0;
+    };
+
+    std::vector<Slot> m_Slots;  // the vertex of each of the cell's points: a table of twice the room needed
+    std::uint64_t m_Generation = 0;
     std::vector<std::array<double, 3>> m_Vertices;
     std::vector<double> m_Heights;  // of the vertices above the plane at hand; 0 on it
     std::vector<CutVertex> m_CutVertices;

@@ -19,15 +19,16 @@ std::size_t Before(std::size_t position, std::size_t count)
 std::size_t FindEdge(const Points& points, const ZULMRSBSPPoint* start, const ZULMRSBSPPoint* end)
 {
     const std::size_t count = points.size();
-    for (std::size_t position = 0; position < count; ++position) {
-        if (points[position] == end || points[position] == start) {
-            const ZULMRSBSPPoint* other = points[position] == end ? start : end;
-            if (points[Before(position, count)] == other) {
-                return position;
-            }
-        }
+    const auto found = std::find(points.begin(), points.end(), start);
+    if (found == points.end()) {
+        return count;
     }
-    return count;
+    const auto position = static_cast<std::size_t>(found - points.begin());
+    const std::size_t next = position + 1 == count ? 0 : position + 1;
+    if (points[next] == end) {
+        return next;
+    }
+    return points[Before(position, count)] == end ? position : count;
 }
 
 /// Inserts a vertex into the edge between two points; false when the polygon does not have that edge (any

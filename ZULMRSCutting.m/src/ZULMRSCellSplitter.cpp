@@ -259,20 +259,21 @@ void ZULMRSCellSplitter::InsertCutVertices(ZULMRSCell& cell, ZULMRSBSPPlane* pla
     }
 }
 
-int ZULMRSCellSplitter::SideOfFace(const ZULMRSFace& face, bool& isCrossing)
+/// On which side of the plane each face lies; one on the plane counts as behind.
+void ZULMRSCellSplitter::FindSides(const std::vector<ZULMRSBSPPolygon*>& faces)
 {
-    int side = 0;
-    for (const ZULMRSBSPPoint* point : face.GetPoints()) {
-        const int pointSide = m_Sides.Of(point);
-        if (pointSide != 0) {
-            if (side == -pointSide) {
-                isCrossing = true;
-                return side;
-            }
-            side = pointSide;
+    m_FaceSides.clear();
+    for (const ZULMRSBSPPolygon* face : faces) {
+        bool hasFront = false;
+        bool hasBehind = false;
+        for (const ZULMRSBSPPoint* point : face->GetPoints()) {
+            const int side = m_Sides.Of(point);
+            hasFront = hasFront || side > 0;
+            hasBehind = hasBehind || side < 0;
         }
+        const FaceSide whole = hasFront ? FaceSide::InFront : FaceSide::Behind;
+        m_FaceSides.push_back(hasFront && hasBehind ? FaceSide::Crossing : whole);
     }
-    return side;
 }
 
 /// Moves the faces and parts of faces in front to the new cell.
@@ -280,20 +281,28 @@ void ZULMRSCellSplitter::PartFaces(ZULMRSCell& cell, ZULMRSCell& front, ZULMRSBS
 {
     const std::vector<ZULMRSBSPPolygon*> faces = std::move(cell.GetPolygons());
     const std::vector<char> orientations = std::move(cell.GetPolygonsOrientations());
-    cell.GetPolygons().clear();
-    cell.GetPolygonsOrientations().clear();
+    FindSides(faces);
+    // Exactly as long as needed, with the wall.
+    const auto reserve = [this](ZULMRSCell& part, FaceSide side) {
+        const auto count = 1 + std::count(m_FaceSides.begin(), m_FaceSides.end(), side) +
+                           std::count(m_FaceSides.begin(), m_FaceSides.end(), FaceSide::Crossing);
+        part.GetPolygons() = {};
+        part.GetPolygons().reserve(static_cast<std::size_t>(count));
+        part.GetPolygonsOrientations() = {};
+        part.GetPolygonsOrientations().reserve(static_cast<std::size_t>(count));
+    };
+    reserve(cell, FaceSide::Behind);
+    reserve(front, FaceSide::InFront);
     for (std::size_t position = 0; position < faces.size(); ++position) {
         auto* face = static_cast<ZULMRSFace*>(faces[position]);
         const char orientation = orientations[position];
-        bool isCrossing = false;
-        const int side = SideOfFace(*face, isCrossing);
-        if (isCrossing) {
+        if (m_FaceSides[position] == FaceSide::Crossing) {
             const auto [behindPart, frontPart] = SplitFace(cell, *face, orientation, plane);
             HandOver(cell, behindPart, orientation);
             HandOver(front, frontPart, orientation);
             face->Release();
         } else {
-            HandOver(side > 0 ? front : cell, face, orientation);
+            HandOver(m_FaceSides[position] == FaceSide::InFront ? front : cell, face, orientation);
         }
     }
 }
@@ -374,17 +383,20 @@ ZULMRSFace* ZULMRSCellSplitter::MakeWall(ZULMRSBSPPlane* plane)
 /// Shares the vertices out; those on the plane belong to both parts.
 void ZULMRSCellSplitter::PartVertices(ZULMRSCell& cell, ZULMRSCell& front)
 {
-    std::vector<ZULMRSBSPPoint*> all = std::move(cell.m_Vertices);
-    cell.m_Vertices.clear();
-    for (ZULMRSBSPPoint* point : all) {
+    m_FrontVertices.clear();
+    m_BehindVertices.clear();
+    for (ZULMRSBSPPoint* point : cell.m_Vertices) {
         const int side = m_Sides.Of(point);
         if (side >= 0) {
-            front.m_Vertices.push_back(point);
+            m_FrontVertices.push_back(point);
         }
         if (side <= 0) {
-            cell.m_Vertices.push_back(point);
+            m_BehindVertices.push_back(point);
         }
     }
+    // Exactly as long as needed.
+    front.m_Vertices = m_FrontVertices;
+    cell.m_Vertices = std::vector<ZULMRSBSPPoint*>(m_BehindVertices);
     cell.m_Box = ZULMRSLeafBox::Around(cell.m_Vertices);
     front.m_Box = ZULMRSLeafBox::Around(front.m_Vertices);
 }

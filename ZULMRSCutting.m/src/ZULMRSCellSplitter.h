@@ -57,9 +57,11 @@ private:
         char m_Orientation;
     };
 
+    enum class FaceSide : signed char { Behind, InFront, Crossing };
+
     void CollectCrossingEdges(const ZULMRSCell& cell);
     void InsertCutVertices(ZULMRSCell& cell, ZULMRSBSPPlane* plane);
-    int SideOfFace(const ZULMRSFace& face, bool& isCrossing);
+    void FindSides(const std::vector<ZULMRSBSPPolygon*>& faces);
     void PartFaces(ZULMRSCell& cell, ZULMRSCell& front, ZULMRSBSPPlane* plane);
     std::array<ZULMRSFace*, 2> SplitFace(ZULMRSCell& cell, ZULMRSFace& face, char orientation,
                                          ZULMRSBSPPlane* plane);
@@ -72,6 +74,9 @@ private:
     // Scratch.
     std::vector<CrossingEdge> m_CrossingEdges;
     std::vector<WallEdge> m_WallEdges;
+    std::vector<FaceSide> m_FaceSides;
+    std::vector<ZULMRSBSPPoint*> m_FrontVertices;
+    std::vector<ZULMRSBSPPoint*> m_BehindVertices;
 };
 
 #endif

@@ -118,7 +118,7 @@ void ExpectTheSameWithAnyThreads(const Tools& tools, double leafSize)
     const Signature signature = SignatureOf(alone);
     const ZULMRSSurfaceMesh mesh = alone.ExtractSurface();
     ExpectValid(alone);
-    for (const std::size_t nbThreads : {2U, 3U, 7U, 0U}) {
+    for (const std::size_t nbThreads : {2U, 5U}) {
         ZULMRSCuttingSolid solid(AxisBox(0, 0, -5, 10, 10, 0), WithThreads(nbThreads, leafSize));
         EXPECT_EQ(CutAll(solid, tools), hasCut) << nbThreads;
         EXPECT_TRUE(SignatureOf(solid) == signature) << nbThreads;
@@ -157,7 +157,7 @@ TEST_F(ZULMRSParallelCuttingTest, ToolsWithOppositePlanesGiveTheSameCellsWithAny
         tools.push_back(index % 2 == 0 ? BoxTool(x, 0.5 * (index % 7), -2, x + 0.5, 9, 1)
                                        : BoxTool(x, 1, -4, x + 0.5, 9 - 0.5 * (index % 5), -3));
     }
-    ExpectTheSameWithAnyThreads(tools, 1.0);
+    ExpectTheSameWithAnyThreads(tools, 4.0);
 }
 
 TEST_F(ZULMRSParallelCuttingTest, GivesTheSolidOfOneToolAfterTheOther)

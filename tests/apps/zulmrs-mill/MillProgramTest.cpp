@@ -84,6 +84,30 @@ TEST_F(MillProgramTest, MillsAndSaysSoAndNothingElse)
     EXPECT_TRUE(MillReadStl(MillReadFile(m_Folder / "p.stl")).IsClosed());
 }
 
+TEST_F(MillProgramTest, WritesTheSameBytesWithAnyThreads)
+{
+    std::string text = "G21 G90\nG0 X0 Y2 Z5\nG1 Z-1\n";
+    for (int i = 0; i < 120; ++i) {
+        text += "G1 X" + std::to_string(i * 37 % 51) + " Y" + std::to_string(2 + i / 5) + " Z-" +
+                std::to_string(i * 29 % 3 + 1) + "\n";
+    }
+    m_Folder.Add("p.nc", text);
+    std::string firstMesh;
+    std::string firstReport;
+    for (const char* threads : {"--threads 1", "--threads 2", "--threads 5", ""}) {
+        const RunResult run =
+            Run(std::string("p.nc --tool ball:4 -o p.stl --report p.json ") + kBlock + " " + threads);
+        EXPECT_EQ(run.m_ExitCode, 0) << run.m_Errors;
+        auto report = nlohmann::json::parse(MillReadFile(m_Folder / "p.json"));
+        report.erase("seconds");
+        const std::string mesh = MillReadFile(m_Folder / "p.stl");
+        firstMesh = firstMesh.empty() ? mesh : firstMesh;
+        firstReport = firstReport.empty() ? report.dump() : firstReport;
+        EXPECT_TRUE(mesh == firstMesh) << threads;
+        EXPECT_EQ(report.dump(), firstReport) << threads;
+    }
+}
+
 TEST_F(MillProgramTest, ShowsTheLibrarysWordsOnRequest)
 {
     m_Folder.Add("p.nc", kProgram);

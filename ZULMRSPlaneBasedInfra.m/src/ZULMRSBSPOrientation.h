@@ -22,13 +22,17 @@ namespace ZULMRSBSPOrientation
 
 // These need no floating-point scope.
 
+inline ZULMRSBSPSign SideByIntegers(const ZULMRSBSPIntegerForm& plane, const ZULMRSBSPIntegerForm& point)
+{
+    return ZULMRSBSPStages::Counted(ZULMRSBSPStages::StageOfIntegers(plane.IsExact() && point.IsExact()),
+                                    ZULMRSBSPIntegerForms::SideOf(plane, point));
+}
+
 inline ZULMRSBSPSign ByIntegers(const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& point)
 {
     const ZULMRSBSPIntegerForm* p = ZULMRSBSPDirectReads::Integers(plane);
     const ZULMRSBSPIntegerForm* q = ZULMRSBSPDirectReads::Integers(point);
-    return p != nullptr && q != nullptr
-               ? ZULMRSBSPStages::Counted(ZULMRSBSPStage::Filter, ZULMRSBSPIntegerForms::SideOf(*p, *q))
-               : ZULMRSBSPSign::Undecided();
+    return p != nullptr && q != nullptr ? SideByIntegers(*p, *q) : ZULMRSBSPSign::Undecided();
 }
 
 /// Exact from the planes of the point, where all keep exact integers.
@@ -54,11 +58,9 @@ inline ZULMRSBSPSign ExactByIntegers(const ZULMRSBSPPlane& plane, const ZULMRSBS
 inline ZULMRSBSPSign AtCoordinatesByIntegers(const ZULMRSBSPPlane& plane, const ZULMathPoint& point)
 {
     const ZULMRSBSPIntegerForm* p = ZULMRSBSPDirectReads::Integers(plane);
-    return p != nullptr ? ZULMRSBSPStages::Counted(
-                              ZULMRSBSPStage::Filter,
-                              ZULMRSBSPIntegerForms::SideOf(
-                                  *p, ZULMRSBSPIntegerForms::OfCoordinates({point.x, point.y, point.z})))
-                        : ZULMRSBSPSign::Undecided();
+    return p != nullptr
+               ? SideByIntegers(*p, ZULMRSBSPIntegerForms::OfCoordinates({point.x, point.y, point.z}))
+               : ZULMRSBSPSign::Undecided();
 }
 
 //---------------------------------------------------------------- a point given by coordinates

@@ -43,6 +43,14 @@ constexpr std::array<std::array<std::size_t, 2>, 3> ColumnsOfNormals = {{{0, 1},
 constexpr std::array<std::array<std::size_t, 2>, 6> ColumnsOfEquations = {
     {{0, 1}, {1, 2}, {2, 3}, {3, 0}, {0, 2}, {1, 3}}};
 
+/// P_i Q_j - P_j Q_i of two planes, or of two points.
+inline ZULMRSBSPSign MinorByIntegers(const ZULMRSBSPIntegerForm& p, const ZULMRSBSPIntegerForm& q,
+                                     std::size_t i, std::size_t j)
+{
+    return ZULMRSBSPStages::Counted(ZULMRSBSPStages::StageOfIntegers(p.IsExact() && q.IsExact()),
+                                    ZULMRSBSPIntegerForms::Minor(p, q, i, j));
+}
+
 /// The first minor that is not zero, or not certainly; zero when there is none.
 template <class Columns>
 ZULMRSBSPSign FirstMinor(const ZULMRSBSPPlane& p, const ZULMRSBSPPlane& q, const Columns& columns)
@@ -53,7 +61,7 @@ ZULMRSBSPSign FirstMinor(const ZULMRSBSPPlane& p, const ZULMRSBSPPlane& q, const
         return ZULMRSBSPSign::Undecided();
     }
     for (const auto& [i, j] : columns) {
-        const ZULMRSBSPSign minor = ZULMRSBSPIntegerForms::Minor(*a, *b, i, j);
+        const ZULMRSBSPSign minor = MinorByIntegers(*a, *b, i, j);
         if (!minor.IsZero()) {
             return minor;
         }

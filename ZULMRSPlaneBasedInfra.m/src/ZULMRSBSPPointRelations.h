@@ -142,8 +142,7 @@ inline ZULMRSBSPSign OrderByIntegers(const ZULMRSBSPPoint& p, const ZULMRSBSPPoi
         return ZULMRSBSPSign::Undecided();
     }
     for (std::size_t axis = 0; axis < 3; ++axis) {
-        ZULMRSBSPSign sign =
-            ZULMRSBSPStages::Counted(ZULMRSBSPStage::Filter, ZULMRSBSPIntegerForms::Minor(*a, *b, axis, 3));
+        ZULMRSBSPSign sign = ZULMRSBSPPlaneRelations::MinorByIntegers(*a, *b, axis, 3);
         if (!sign.IsDecided()) {
             sign = ZULMRSBSPStages::Counted(ZULMRSBSPStage::Exact, ExactOrderByIntegers(p, q, axis));
         }

@@ -53,34 +53,40 @@ ZULMRSExtendedBool ToTruth(int isTrue)
 
 int SignOf2x2Determinant(double a, double b, double c, double d)
 {
+    const ZULMRSBSPCountedPredicate counted(ZULMRSBSPPredicate::SignOf2x2Determinant);
     return ZULMRSBSPKernel<ZULMRSBSPDeterminant2x2Kernel>::Sign({a, b, c, d});
 }
 
 int SignOf2x2DiffDeterminant(double x0, double x1, double x2, double x3, double x4, double x5, double x6,
                              double x7)
 {
+    const ZULMRSBSPCountedPredicate counted(ZULMRSBSPPredicate::SignOf2x2DiffDeterminant);
     return ZULMRSBSPKernel<ZULMRSBSPDifferenceDeterminantKernel>::Sign({x0, x1, x2, x3, x4, x5, x6, x7});
 }
 
 int SignOf2x2DotProduct(double x0, double x1, double x2, double x3, double x4, double x5, double x6,
                         double x7)
 {
+    const ZULMRSBSPCountedPredicate counted(ZULMRSBSPPredicate::SignOf2x2DotProduct);
     return ZULMRSBSPKernel<ZULMRSBSPDifferenceDotProductKernel>::Sign({x0, x1, x2, x3, x4, x5, x6, x7});
 }
 
 int SignOf3DimDotProduct(const std::array<double, 3>& u, const std::array<double, 3>& v)
 {
+    const ZULMRSBSPCountedPredicate counted(ZULMRSBSPPredicate::SignOf3DimDotProduct);
     return ZULMRSBSPKernel<ZULMRSBSPDotProductKernel>::Sign({u[0], u[1], u[2], v[0], v[1], v[2]});
 }
 
 int SignOf3x3Determinant(double a1, double a2, double a3, double a4, double a5, double a6, double a7,
                          double a8, double a9)
 {
+    const ZULMRSBSPCountedPredicate counted(ZULMRSBSPPredicate::SignOf3x3Determinant);
     return ZULMRSBSPKernel<ZULMRSBSPDeterminant3x3Kernel>::Sign({a1, a2, a3, a4, a5, a6, a7, a8, a9});
 }
 
 int SignOf3PlanesDeterminant(const ZULMRSBSPPlane& p1, const ZULMRSBSPPlane& p2, const ZULMRSBSPPlane& p3)
 {
+    const ZULMRSBSPCountedPredicate counted(ZULMRSBSPPredicate::SignOf3PlanesDeterminant);
     const ZULMRSBSPSign sign = ZULMRSBSPPlaneRelations::DeterminantOfNormalsByIntegers(p1, p2, p3);
     if (sign.IsDecided()) {
         return sign.ToKernelResult();
@@ -96,6 +102,7 @@ ZULMRSExtendedBool IsPointInFrontOfPlane(const ZULMRSBSPPlane& plane, const std:
 
 ZULMRSExtendedBool IsPointInFrontOfPlane(const ZULMRSBSPPlane& plane, const ZULMathPoint& point)
 {
+    const ZULMRSBSPCountedPredicate counted(ZULMRSBSPPredicate::IsPointInFrontOfPlane);
     const ZULMRSBSPSign sign = ZULMRSBSPOrientation::AtCoordinatesByIntegers(plane, point);
     if (sign.IsDecided()) {
         return sign.ToAnswer();
@@ -106,6 +113,7 @@ ZULMRSExtendedBool IsPointInFrontOfPlane(const ZULMRSBSPPlane& plane, const ZULM
 
 ZULMRSExtendedBool IsPointInFrontOfPlane(const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& point)
 {
+    const ZULMRSBSPCountedPredicate counted(ZULMRSBSPPredicate::IsPointInFrontOfPlane);
     // A three-planes point lies on its own planes by its integers too, so these may come before identities.
     if (ZULMRSBSPDirectReads::Is3PlanesPoint(point)) [[likely]] {
         const ZULMRSBSPSign sign = ZULMRSBSPOrientation::ByIntegers(plane, point);
@@ -133,6 +141,7 @@ ZULMRSExtendedBool IsPointInFrontOfPlaneFast(const ZULMRSBSPPlane& plane, const 
 
 ZULMRSExtendedBool ArePlanesParallel(const ZULMRSBSPPlane& p, const ZULMRSBSPPlane& q)
 {
+    const ZULMRSBSPCountedPredicate counted(ZULMRSBSPPredicate::ArePlanesParallel);
     if (&p == &q) {
         return ZULMRSExtendedTrue;
     }
@@ -147,6 +156,7 @@ ZULMRSExtendedBool ArePlanesParallel(const ZULMRSBSPPlane& p, const ZULMRSBSPPla
 
 ZULMRSExtendedBool ArePlanesCoincident(const ZULMRSBSPPlane& p, const ZULMRSBSPPlane& q)
 {
+    const ZULMRSBSPCountedPredicate counted(ZULMRSBSPPredicate::ArePlanesCoincident);
     if (&p == &q) {
         return ZULMRSExtendedTrue;
     }
@@ -161,6 +171,7 @@ ZULMRSExtendedBool ArePlanesCoincident(const ZULMRSBSPPlane& p, const ZULMRSBSPP
 
 ZULMRSExtendedBool CoincidentOrientation(const ZULMRSBSPPlane& p, const ZULMRSBSPPlane& q)
 {
+    const ZULMRSBSPCountedPredicate counted(ZULMRSBSPPredicate::CoincidentOrientation);
     if (&p == &q) {
         return ZULMRSExtendedTrue;
     }
@@ -176,6 +187,7 @@ ZULMRSExtendedBool IsPlaneValid(const ZULMRSBSPPlane& plane)
 
 ZULMRSExtendedBool ArePointsEqual(const ZULMRSBSPPoint& p, const ZULMRSBSPPoint& q)
 {
+    const ZULMRSBSPCountedPredicate counted(ZULMRSBSPPredicate::ArePointsEqual);
     if (&p == &q) {
         return ZULMRSExtendedTrue;
     }
@@ -185,6 +197,7 @@ ZULMRSExtendedBool ArePointsEqual(const ZULMRSBSPPoint& p, const ZULMRSBSPPoint&
 
 ZULMRSExtendedBool LexicographicOrder(ZULMRSBSPPoint& p, ZULMRSBSPPoint& q)
 {
+    const ZULMRSBSPCountedPredicate counted(ZULMRSBSPPredicate::LexicographicOrder);
     if (&p == &q) {
         return ZULMRSExtendedFalse;
     }
@@ -198,6 +211,7 @@ ZULMRSExtendedBool LexicographicOrder(ZULMRSBSPPoint& p, ZULMRSBSPPoint& q)
 
 ZULMRSExtendedBool IsPointValid(const ZULMRSBSPPoint& point)
 {
+    const ZULMRSBSPCountedPredicate counted(ZULMRSBSPPredicate::IsPointValid);
     if (point.GetP1() == nullptr || point.GetP2() == nullptr || point.GetP3() == nullptr) {
         return ZULMRSExtendedUndetermined;
     }
@@ -215,6 +229,7 @@ ZULMRSExtendedBool IsPointOnLine(const ZULMRSBSPLine& line, const ZULMRSBSPPoint
 int SignOfTripleProduct(const ZULMRSBSPPlane& p1, const ZULMRSBSPPlane& p2, const ZULMRSBSPPoint& q1,
                         const ZULMRSBSPPoint& q2)
 {
+    const ZULMRSBSPCountedPredicate counted(ZULMRSBSPPredicate::SignOfTripleProduct);
     const ZULExpFloatScope scope;
     return Settled(ZULMRSBSPPointRelations::SignOfProduct(
         ZULMRSBSPPointRelations::DirectionBetweenNormals{p1, p2, q1, q2}));
@@ -223,6 +238,7 @@ int SignOfTripleProduct(const ZULMRSBSPPlane& p1, const ZULMRSBSPPlane& p2, cons
 int SignOfTripleProduct(const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& q1, const ZULMRSBSPPoint& q2,
                         const ZULMRSBSPPoint& q3)
 {
+    const ZULMRSBSPCountedPredicate counted(ZULMRSBSPPredicate::SignOfTripleProduct);
     const ZULExpFloatScope scope;
     return Settled(
         ZULMRSBSPPointRelations::SignOfProduct(ZULMRSBSPPointRelations::NormalOfPath{plane, q1, q2, q3}));
@@ -230,6 +246,7 @@ int SignOfTripleProduct(const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& q1, c
 
 int GetSignOfNormalSignAngleDiff(const std::array<ZULMathPoint, 3>& triangle, double s)
 {
+    const ZULMRSBSPCountedPredicate counted(ZULMRSBSPPredicate::GetSignOfNormalSignAngleDiff);
     const auto& [a, b, c] = triangle;
     return ZULMRSBSPKernel<ZULMRSBSPNormalAngleKernel>::Sign(
         {a.x, a.y, a.z, b.x, b.y, b.z, c.x, c.y, c.z, s});
@@ -238,6 +255,7 @@ int GetSignOfNormalSignAngleDiff(const std::array<ZULMathPoint, 3>& triangle, do
 int IsCrossingOBB(const ZULMRSBSPPlane& plane, const ZULListValZULMathPoint& corners,
                   ZULMRSExtendedBool* side)
 {
+    const ZULMRSBSPCountedPredicate counted(ZULMRSBSPPredicate::IsCrossingOBB);
     constexpr int nbCorners = 8;
     const ZULExpFloatScope scope;
     const int common =

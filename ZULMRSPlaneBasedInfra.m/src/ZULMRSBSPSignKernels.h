@@ -133,8 +133,10 @@ struct ZULMRSBSPEquationKernel {
     }
     static ZULMRSBSPSign ByIntegers(const std::array<double, NbInputs>& x)
     {
-        return ZULMRSBSPIntegerForms::SideOf(ZULMRSBSPIntegerForms::OfPlane({x[0], x[1], x[2], x[3]}),
-                                             ZULMRSBSPIntegerForms::OfCoordinates({x[4], x[5], x[6]}));
+        const ZULMRSBSPIntegerForm plane = ZULMRSBSPIntegerForms::OfPlane({x[0], x[1], x[2], x[3]});
+        const ZULMRSBSPIntegerForm point = ZULMRSBSPIntegerForms::OfCoordinates({x[4], x[5], x[6]});
+        return plane.IsExact() && point.IsExact() ? ZULMRSBSPIntegerForms::SideOf(plane, point)
+                                                  : ZULMRSBSPSign::Undecided();
     }
 };
 

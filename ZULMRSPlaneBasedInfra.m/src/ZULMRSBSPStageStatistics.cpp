@@ -1,6 +1,7 @@
 #include "ZULMRSBSPStageStatistics.h"
 
 #include <algorithm>
+#include <array>
 #include <mutex>
 #include <vector>
 
@@ -8,6 +9,14 @@
 
 namespace
 {
+constexpr std::array<const char*, ZULMRSBSPStageStatistics::NbPredicates> PredicateNames = {
+    "SignOf2x2Determinant",  "SignOf2x2DiffDeterminant", "SignOf2x2DotProduct",
+    "SignOf3DimDotProduct",  "SignOf3x3Determinant",     "SignOf3PlanesDeterminant",
+    "IsPointInFrontOfPlane", "ArePlanesParallel",        "ArePlanesCoincident",
+    "CoincidentOrientation", "ArePointsEqual",           "LexicographicOrder",
+    "IsPointValid",          "SignOfTripleProduct",      "GetSignOfNormalSignAngleDiff",
+    "IsCrossingOBB"};
+
 /// The counters of the living threads, and what ended ones have left. Never destroyed: threads may outlive
 /// static objects.
 struct Registry {
@@ -46,8 +55,10 @@ ZULMRSBSPStageCounters& ZULMRSBSPStageCounters::OfThisThread()
 
 void ZULMRSBSPStageCounters::AddTo(Sums& sums) const
 {
-    for (std::size_t stage = 0; stage < NbStages; ++stage) {
-        sums[stage] += m_Counts[stage].load(std::memory_order_relaxed);
+    for (std::size_t row = 0; row < NbRows; ++row) {
+        for (std::size_t stage = 0; stage < NbStages; ++stage) {
+            sums[row][stage] += m_Counts[row][stage].load(std::memory_order_relaxed);
+        }
     }
 }
 
@@ -73,6 +84,28 @@ bool ZULMRSBSPStageStatistics::IsCounting()
 
 ZULMRSBSPStageStatistics ZULMRSBSPStageStatistics::Get()
 {
-    const ZULMRSBSPStageCounters::Sums sums = ZULMRSBSPStageCounters::SumOverThreads();
-    return {sums[0], sums[1], sums[2], sums[3]};
+    ZULMRSBSPStageStatistics sum;
+    for (const auto& [shortcut, filter, interval, exact] : ZULMRSBSPStageCounters::SumOverThreads()) {
+        sum.m_Shortcut += shortcut;
+        sum.m_Filter += filter;
+        sum.m_Interval += interval;
+        sum.m_Exact += exact;
+    }
+    return sum;
+}
+
+ZULMRSBSPStageStatistics ZULMRSBSPStageStatistics::Get(ZULMRSBSPPredicate predicate)
+{
+    const auto row = static_cast<std::size_t>(predicate);
+    if (row >= NbPredicates) {
+        return {};
+    }
+    const auto [shortcut, filter, interval, exact] = ZULMRSBSPStageCounters::SumOverThreads()[row];
+    return {shortcut, filter, interval, exact};
+}
+
+const char* ZULMRSBSPStageStatistics::GetName(ZULMRSBSPPredicate predicate)
+{
+    const auto row = static_cast<std::size_t>(predicate);
+    return row < NbPredicates ? PredicateNames[row] : "";
 }

@@ -78,6 +78,12 @@ inline ZULMRSBSPSign Counted(ZULMRSBSPStage stage, ZULMRSBSPSign sign)
     return sign;
 }
 
+/// The stage of a decision by kept integers: a filter where these are off by something.
+constexpr ZULMRSBSPStage StageOfIntegers(bool areExact)
+{
+    return areExact ? ZULMRSBSPStage::Exact : ZULMRSBSPStage::Filter;
+}
+
 /// One stage: what evaluate() says of the sign, in the environment of its arithmetic. An interval or exact
 /// stage that met underflow, overflow or a denormal operand is undecided; the floating stage sees to that
 /// itself, where it decides.

@@ -55,6 +55,22 @@ Json WarningsJson(const MillResult& result)
     return warnings;
 }
 
+Json StageCountsJson(const MillStageCounts& counts)
+{
+    return {{"shortcut", counts.m_Shortcut},
+            {"filter", counts.m_Filter},
+            {"interval", counts.m_Interval},
+            {"exact", counts.m_Exact}};
+}
+
+Json DecisionsByPredicateJson(const MillDecisions& decisions)
+{
+    Json json;
+    for (const auto& [name, counts] : decisions.m_ByPredicate) {
+        json[name] = StageCountsJson(counts);
+    }
+    return json;
+}
 }  // namespace
 
 std::string MillReportText(const MillConfig& config, const MillResult& result)
@@ -87,11 +103,10 @@ std::string MillReportText(const MillConfig& config, const MillResult& result)
                          {"surface", seconds.m_Surface},
                          {"write", seconds.m_Write},
                          {"total", seconds.GetTotal()}};
-    const MillDecisions& decisions = result.m_Decisions;
-    report["decisions"] = {{"shortcut", decisions.m_Shortcut},
-                           {"filter", decisions.m_Filter},
-                           {"interval", decisions.m_Interval},
-                           {"exact", decisions.m_Exact}};
+    report["decisions"] = StageCountsJson(result.m_Decisions.m_All);
+    if (!result.m_Decisions.m_ByPredicate.empty()) {
+        report["decisions_by_predicate"] = DecisionsByPredicateJson(result.m_Decisions);
+    }
     // A file name need not be UTF-8.
     return report.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }

@@ -32,7 +32,7 @@ MillResult SomeResult()
     result.m_Warnings = {{7, "odd"}, {9, "rapid move cuts material"}};
     result.m_RapidTouchLines = {9};
     result.m_Seconds = {0.25, 1.0, 0.5, 0.125};
-    result.m_Decisions = {1, 2, 3, 4};
+    result.m_Decisions.m_All = {1, 2, 3, 4};
     return result;
 }
 
@@ -54,6 +54,18 @@ TEST(MillReport, HasAllItsKeys)
         "seconds": {"read": 0.25, "cut": 1.0, "surface": 0.5, "write": 0.125, "total": 1.875},
         "decisions": {"shortcut": 1, "filter": 2, "interval": 3, "exact": 4}})");
     EXPECT_EQ(report, expected) << report.dump(2);
+}
+
+TEST(MillReport, TellsTheDecisionsOfEachPredicateThatHasMadeSome)
+{
+    MillResult result = SomeResult();
+    EXPECT_FALSE(
+        nlohmann::json::parse(MillReportText(MillConfig(), result)).contains("decisions_by_predicate"));
+    result.m_Decisions.m_ByPredicate["IsPointInFrontOfPlane"] = {1, 2, 0, 4};
+    const auto report = nlohmann::json::parse(MillReportText(MillConfig(), result));
+    const auto expected = nlohmann::json::parse(
+        R"({"IsPointInFrontOfPlane": {"shortcut": 1, "filter": 2, "interval": 0, "exact": 4}})");
+    EXPECT_EQ(report["decisions_by_predicate"], expected);
 }
 
 TEST(MillReport, IsValidForAnyFileName)

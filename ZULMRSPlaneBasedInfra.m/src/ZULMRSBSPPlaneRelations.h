@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <type_traits>
 
 #include "ZULMRSBSPEquation.h"
 #include "ZULMRSBSPFilter.h"
@@ -263,15 +264,9 @@ inline bool HaveSameOrientation(const ZULMRSBSPPlane& p, const ZULMRSBSPPlane& q
 /// What one stage knows of "the normal is not zero".
 enum class Validity { Valid, Invalid, Open };
 
-/// An equation that is missing counts as zero. Read through the plane's own accessors, whose answer is the
-/// point here.
 template <class Number>
-Validity ValidityIn(const ZULMRSBSPPlane& plane)
+Validity ValidityOfNormal(const std::array<Number, 4>& equation)
 {
-    const ZULMRSBSPQuadrupleHolder<Number> equation(plane.GetStdEquationTpl<Number>());
-    if (!equation) {
-        return Validity::Invalid;
-    }
     const std::array<ZULMRSBSPSign, 3> signs = {CoefficientSign(equation[0]), CoefficientSign(equation[1]),
                                                 CoefficientSign(equation[2])};
     if (std::any_of(signs.begin(), signs.end(), [](ZULMRSBSPSign s) { return !s.IsDecided(); })) {
@@ -279,6 +274,25 @@ Validity ValidityIn(const ZULMRSBSPPlane& plane)
     }
     const bool isZero = std::all_of(signs.begin(), signs.end(), [](ZULMRSBSPSign s) { return s.IsZero(); });
     return isZero ? Validity::Invalid : Validity::Valid;
+}
+
+/// An equation that is missing counts as zero. Read through the plane's own accessors, whose answer is the
+/// point here; the library's three-points plane would answer with these numbers, and with none where the
+/// intervals met a fault.
+template <class Number>
+Validity ValidityIn(const ZULMRSBSPPlane& plane)
+{
+    if (!std::is_same_v<Number, ZULExpDynamic> && ZULMRSBSPDirectReads::Is3PointsPlane(plane)) {
+        const ZULMRSBSPEnvironment<Number> environment;
+        const ZULMRSBSPEquation<Number> equation(plane);
+        auto validity = static_cast<int>(ValidityOfNormal(*equation));
+        ZULExpProcessor::Pin(validity);
+        const bool isFaulted =
+            std::is_same_v<Number, ZULExpInterval> && (_statusfp() & ZULExpFloatFault) != 0;
+        return isFaulted ? Validity::Invalid : static_cast<Validity>(validity);
+    }
+    const ZULMRSBSPQuadrupleHolder<Number> equation(plane.GetStdEquationTpl<Number>());
+    return equation ? ValidityOfNormal(*equation) : Validity::Invalid;
 }
 
 inline bool IsValid(const ZULMRSBSPPlane& plane)

@@ -12,6 +12,7 @@
 /// A signed integer of 64 Limbs bits, in two's complement. Its length is the degree of the polynomial that it
 /// is a value of: inputs (one limb) are below 2^62, a product is as long as its factors together, and the
 /// sums of the formulas fit, since each degree leaves two bits unused. Nothing is ever rounded or allocated.
+/// Bounds: docs/arithmetic.md.
 template <std::size_t Limbs>
 class ZULMRSBSPShortInteger
 {

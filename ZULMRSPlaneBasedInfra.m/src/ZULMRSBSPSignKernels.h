@@ -18,7 +18,7 @@
 // it has one, and whether its exact stage answers undecided for input that is not finite. "Units" is the
 // number of roundings on the longest path from an input to the result; K is at least twice that, unless said,
 // which covers the rounding of the magnitude and of the bound and whatever underflow the range test lets
-// through.
+// through. Proofs: docs/arithmetic.md.
 
 struct ZULMRSBSPDeterminant2x2Kernel {
     static constexpr std::size_t NbInputs = 4;

@@ -4,7 +4,7 @@
 set -eu
 packages="g++ clang cmake ninja-build doxygen python3"
 packages="$packages libtbb-dev libgmp-dev libcli11-dev libfmt-dev nlohmann-json3-dev libgtest-dev"
-[ "${1:-}" != bench ] || packages="$packages libbenchmark-dev libcgal-dev voro++-dev"
+[ "${1:-}" != bench ] || packages="$packages libbenchmark-dev libcgal-dev voro++-dev valgrind"
 missing=""
 for package in $packages; do
     dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' || missing="$missing $package"

@@ -55,6 +55,13 @@ inline ZULMRSBSPSign ExactByIntegers(const ZULMRSBSPPlane& plane, const ZULMRSBS
         meeting[3].Sign() * ZULMRSBSPFormulas::EquationAtHomogeneous(ToInputs(*tested), meeting).Sign());
 }
 
+/// The one, then the other.
+inline ZULMRSBSPSign SideByKeptIntegers(const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& point)
+{
+    const ZULMRSBSPSign sign = ByIntegers(plane, point);
+    return sign.IsDecided() ? sign : ExactByIntegers(plane, point);
+}
+
 inline ZULMRSBSPSign AtCoordinatesByIntegers(const ZULMRSBSPPlane& plane, const ZULMathPoint& point)
 {
     const ZULMRSBSPIntegerForm* p = ZULMRSBSPDirectReads::Integers(plane);

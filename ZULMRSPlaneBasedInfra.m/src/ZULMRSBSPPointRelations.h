@@ -7,6 +7,7 @@
 #include <functional>
 #include <optional>
 
+#include "ZULMRSBSPCoordinateRecord.h"
 #include "ZULMRSBSPEquation.h"
 #include "ZULMRSBSPFilter.h"
 #include "ZULMRSBSPFormulas.h"
@@ -59,48 +60,75 @@ inline bool HaveSamePlanes(const ZULMRSBSPPoint& p, const ZULMRSBSPPoint& q)
     return planes == others;
 }
 
-inline ZULMRSBSPSign SideOf(const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& point)
+/// Whether a place lies on the three planes of a point, side(plane) telling on which side: zero when it does,
+/// positive when not, undecided when that cannot be told. A missing plane holds nothing.
+template <class Side>
+ZULMRSBSPSign DistanceFromPlanesOf(const ZULMRSBSPPoint& point, const Side& side)
 {
-    return ZULMRSBSPOrientation::IsOwnPlane(plane, point)
-               ? ZULMRSBSPStages::Counted(ZULMRSBSPStage::Shortcut, ZULMRSBSPSign::Zero())
-               : ZULMRSBSPOrientation::AtPoint(plane, point);
-}
-inline ZULMRSBSPSign SideOf(const ZULMRSBSPPlane& plane, const std::array<double, 3>& point)
-{
-    return ZULMRSBSPOrientation::AtCoordinates(plane, ZULMathPoint(point[0], point[1], point[2]));
-}
-
-/// Whether a place, a point or coordinates, lies on the three planes of a point. What cannot be decided
-/// counts as lying there; a missing plane holds nothing.
-template <class Place>
-bool LiesOnPlanesOf(const ZULMRSBSPPoint& point, const Place& place)
-{
-    const std::array<ZULMRSBSPPlane*, 3> planes = point.GetPlanes();
-    return std::all_of(planes.begin(), planes.end(), [&place](const ZULMRSBSPPlane* plane) {
-        if (plane == nullptr) {
-            return false;
+    for (const ZULMRSBSPPlane* plane : point.GetPlanes()) {
+        const ZULMRSBSPSign sign = plane != nullptr ? side(*plane) : ZULMRSBSPSign::Positive();
+        if (!sign.IsZero()) {
+            return sign.IsDecided() ? ZULMRSBSPSign::Positive() : sign;
         }
-        const ZULMRSBSPSign side = SideOf(*plane, place);
-        return !side.IsPositive() && !side.IsNegative();
-    });
+    }
+    return ZULMRSBSPSign::Zero();
 }
 
-/// Two different objects.
-inline bool AreEqual(const ZULMRSBSPPoint& p, const ZULMRSBSPPoint& q)
+/// Zero when two different objects are one place, else positive. sideOfPoint(plane, point) and
+/// sideOfCoordinates(plane, coordinates) tell sides.
+template <class SideOfPoint, class SideOfCoordinates>
+ZULMRSBSPSign Distance(const ZULMRSBSPPoint& p, const ZULMRSBSPPoint& q, const SideOfPoint& sideOfPoint,
+                       const SideOfCoordinates& sideOfCoordinates)
 {
     if (HaveSamePlanes(p, q)) {
-        ZULMRSBSPStageCounters::Count(ZULMRSBSPStage::Shortcut);
-        return true;
+        return ZULMRSBSPStages::Counted(ZULMRSBSPStage::Shortcut, ZULMRSBSPSign::Zero());
     }
     const bool isPCartesian = IsCartesian(p);
     const bool isQCartesian = IsCartesian(q);
     if (isPCartesian && isQCartesian) {
-        return Coordinates(p) == Coordinates(q);
+        const bool areEqual = ZULMRSBSPCoordinates::AreEqual(Coordinates(p), Coordinates(q));
+        return ZULMRSBSPStages::Counted(ZULMRSBSPStage::Shortcut,
+                                        areEqual ? ZULMRSBSPSign::Zero() : ZULMRSBSPSign::Positive());
     }
-    if (isPCartesian) {
-        return LiesOnPlanesOf(q, Coordinates(p));
+    if (!isPCartesian && !isQCartesian) {
+        return DistanceFromPlanesOf(p, [&](const ZULMRSBSPPlane& plane) { return sideOfPoint(plane, q); });
     }
-    return isQCartesian ? LiesOnPlanesOf(p, Coordinates(q)) : LiesOnPlanesOf(p, q);
+    const std::array<double, 3> coordinates = Coordinates(isPCartesian ? p : q);
+    const ZULMathPoint place(coordinates[0], coordinates[1], coordinates[2]);
+    return DistanceFromPlanesOf(isPCartesian ? q : p,
+                                [&](const ZULMRSBSPPlane& plane) { return sideOfCoordinates(plane, place); });
+}
+
+inline ZULMRSBSPSign OwnPlaneOr(const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& point,
+                                ZULMRSBSPSign (*side)(const ZULMRSBSPPlane&, const ZULMRSBSPPoint&))
+{
+    return ZULMRSBSPOrientation::IsOwnPlane(plane, point)
+               ? ZULMRSBSPStages::Counted(ZULMRSBSPStage::Shortcut, ZULMRSBSPSign::Zero())
+               : side(plane, point);
+}
+
+/// From the integers that planes and points keep. Needs no floating-point scope.
+inline ZULMRSBSPSign DistanceByIntegers(const ZULMRSBSPPoint& p, const ZULMRSBSPPoint& q)
+{
+    if (ZULMRSBSPDirectReads::Integers(p) == nullptr || ZULMRSBSPDirectReads::Integers(q) == nullptr) {
+        return ZULMRSBSPSign::Undecided();
+    }
+    return Distance(
+        p, q,
+        [](const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& point) {
+            return OwnPlaneOr(plane, point, ZULMRSBSPOrientation::SideByKeptIntegers);
+        },
+        ZULMRSBSPOrientation::AtCoordinatesByIntegers);
+}
+
+inline ZULMRSBSPSign DistanceInStages(const ZULMRSBSPPoint& p, const ZULMRSBSPPoint& q)
+{
+    return Distance(
+        p, q,
+        [](const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& point) {
+            return OwnPlaneOr(plane, point, ZULMRSBSPOrientation::AtPoint);
+        },
+        ZULMRSBSPOrientation::AtCoordinates);
 }
 
 //---------------------------------------------------------------- order

@@ -34,9 +34,7 @@ ZULMRSExtendedBool ToSide(int kernelResult)
         ZULMRSBSPStageCounters::Count(ZULMRSBSPStage::Shortcut);
         return ZULMRSExtendedUndetermined;
     }
-    const ZULMRSBSPSign sign =
-        ZULMRSBSPStages::FirstDecided([&] { return ZULMRSBSPOrientation::ByIntegers(plane, point); },
-                                      [&] { return ZULMRSBSPOrientation::ExactByIntegers(plane, point); });
+    const ZULMRSBSPSign sign = ZULMRSBSPOrientation::SideByKeptIntegers(plane, point);
     if (sign.IsDecided()) {
         return sign.ToAnswer();
     }
@@ -191,8 +189,13 @@ ZULMRSExtendedBool ArePointsEqual(const ZULMRSBSPPoint& p, const ZULMRSBSPPoint&
     if (&p == &q) {
         return ZULMRSExtendedTrue;
     }
+    const ZULMRSBSPSign distance = ZULMRSBSPPointRelations::DistanceByIntegers(p, q);
+    if (distance.IsDecided()) {
+        return ToTruth(static_cast<int>(distance.IsZero()));
+    }
     const ZULExpFloatScope scope;
-    return ToTruth(Settled(static_cast<int>(ZULMRSBSPPointRelations::AreEqual(p, q))));
+    // What no stage can tell counts as lying there.
+    return ToTruth(Settled(static_cast<int>(!ZULMRSBSPPointRelations::DistanceInStages(p, q).IsPositive())));
 }
 
 ZULMRSExtendedBool LexicographicOrder(ZULMRSBSPPoint& p, ZULMRSBSPPoint& q)

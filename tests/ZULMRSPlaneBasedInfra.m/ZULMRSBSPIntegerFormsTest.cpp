@@ -139,6 +139,7 @@ TEST(ZULMRSBSPIntegerForms, OfPlanesAndPointsAsTheyAreKept)
     Random random(62'002);
     std::size_t nbExact = 0;
     std::size_t nbOff = 0;
+    std::size_t nbFiltered = 0;
     ForAllKinds(Cases, [&](Regime regime, Position position, std::size_t count) {
         for (std::size_t n = 0; n < count; ++n) {
             Scene scene(random, regime, position);
@@ -161,12 +162,24 @@ TEST(ZULMRSBSPIntegerForms, OfPlanesAndPointsAsTheyAreKept)
                     << NameOf(regime);
                 ASSERT_GT(ofPoint.m_Values[3], 0);
             }
+            // Made of filtered numbers, in their scale.
+            const auto planes = point.m_Point->GetPlanes();
+            const bool isFiltered = std::any_of(planes.begin(), planes.end(), [](const ZULMRSBSPPlane* p) {
+                return ZULMRSBSPDirectReads::ExactIntegers(p) == nullptr;
+            });
+            const auto* numbers = std::get<0>(point.m_Point->GetCartesianRepresentation_ExpDynamic());
+            if (isFiltered && ofPoint.m_Error != Form::Unknown) {
+                ASSERT_NE(numbers, nullptr);
+                ASSERT_TRUE(Holds(ofPoint, point.m_Exact, ValuesOf(*numbers), OffsetShift)) << NameOf(regime);
+                ++nbFiltered;
+            }
             nbExact += ofPoint.IsExact() ? 1 : 0;
             nbOff += !ofPoint.IsExact() && ofPoint.m_Error != Form::Unknown ? 1 : 0;
         }
     });
     EXPECT_GT(nbExact, 0U);
     EXPECT_GT(nbOff, 0U);
+    EXPECT_GT(nbFiltered, Cases / 10);
 }
 
 /// A number computed in doubles, with cancellation, and what it is exactly.

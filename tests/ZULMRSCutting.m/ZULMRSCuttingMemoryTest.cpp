@@ -4,79 +4,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <new>
 #include <sstream>
 #include <vector>
 
 #include "ZULKLOOutput.h"
 #include "ZULMRSCuttingSolid.h"
+#include "ZULTestAllocation.h"
 #include "ZULTestTools.h"
-
-namespace
-{
-std::atomic<std::ptrdiff_t> g_NbBlocks{0};
-
-void* Take(std::size_t size)
-{
-    void* memory = std::malloc(size == 0 ? 1 : size);
-    if (memory == nullptr) {
-        throw std::bad_alloc();
-    }
-    ++g_NbBlocks;
-    return memory;
-}
-
-void GiveBack(void* memory)
-{
-    g_NbBlocks -= memory != nullptr ? 1 : 0;
-    std::free(memory);
-}
-}  // namespace
-
-void* operator new(std::size_t size)
-{
-    return Take(size);
-}
-void* operator new[](std::size_t size)
-{
-    return Take(size);
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept
-{
-    return Take(size);
-}
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
-{
-    return Take(size);
-}
-void operator delete(void* memory) noexcept
-{
-    GiveBack(memory);
-}
-void operator delete[](void* memory) noexcept
-{
-    GiveBack(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept
-{
-    GiveBack(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept
-{
-    GiveBack(memory);
-}
-void operator delete(void* memory, const std::nothrow_t&) noexcept
-{
-    GiveBack(memory);
-}
-void operator delete[](void* memory, const std::nothrow_t&) noexcept
-{
-    GiveBack(memory);
-}
 
 namespace
 {
@@ -119,7 +55,8 @@ TEST_F(ZULMRSCuttingMemoryTest, LayerAfterLayerTakesNoMoreMemory)
     for (int layer = 1; layer <= 16; ++layer) {
         solid.SubtractAll(Layer(-2.0 * layer));
         solid.Compact();
-        blocksPerFace.push_back(g_NbBlocks.load() / static_cast<std::ptrdiff_t>(solid.GetNbSurfaceFaces()));
+        blocksPerFace.push_back(ZULTest::GetLiveBlocks() /
+                                static_cast<std::ptrdiff_t>(solid.GetNbSurfaceFaces()));
     }
     EXPECT_GT(blocksPerFace.front(), 0);
     EXPECT_LE(blocksPerFace.back(), 2 * blocksPerFace.front());
@@ -156,9 +93,9 @@ TEST_F(ZULMRSCuttingMemoryTest, NothingIsLeftBehind)
     };
     cut();  // what is made once and kept
     m_Lines.str({});
-    const std::ptrdiff_t before = g_NbBlocks.load();
+    const std::ptrdiff_t before = ZULTest::GetLiveBlocks();
     cut();
     m_Lines.str({});
-    EXPECT_LE(g_NbBlocks.load(), before + 1);
+    EXPECT_LE(ZULTest::GetLiveBlocks(), before + 1);
 }
 }  // namespace

@@ -73,7 +73,7 @@ void RegisterSequence(const Sequence& sequence)
     };
     const auto single = [=](benchmark::State& state) {
         CheckCell<Maker>(state, sequence);
-        constexpr std::size_t nbCells = 32;
+        constexpr std::size_t nbCells = 8;
         for ([[maybe_unused]] auto _ : state) {
             state.SetIterationTime(SecondsOfBatch<Maker>(sequence, nbCells));
         }

@@ -1,4 +1,7 @@
 // The library, by its public calls; every cell with an object factory of its own.
+#include <malloc.h>
+
+#include <limits>
 #include <memory>
 #include <optional>
 
@@ -40,5 +43,8 @@ private:
 ZUL_BENCH_DEFINE_PEER();
 void ZULBenchRegister()
 {
+    // As in a long-lived program, memory once had is not given back, so that no page is fetched anew.
+    mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
+    mallopt(M_MMAP_THRESHOLD, std::numeric_limits<int>::max());
     ZULBench::RegisterCells<Maker>();
 }

@@ -118,25 +118,25 @@ int ZulmrsCell::SideOf(Index index)
     return vertex.m_Side;
 }
 
-double ZulmrsCell::HeightOf(Index vertex, const std::array<double, 4>& equation) const
+double ZulmrsCell::HeightOf(Index vertex) const
 {
     const std::array<double, 3>& place = m_Vertices[vertex].m_Hint;
-    return equation[0] * place[0] + equation[1] * place[1] + equation[2] * place[2];
+    return m_Equation[0] * place[0] + m_Equation[1] * place[1] + m_Equation[2] * place[2];
 }
 
-ZulmrsCell::Index ZulmrsCell::FindInFront(const std::array<double, 4>& equation)
+ZulmrsCell::Index ZulmrsCell::FindInFront()
 {
     // The height has one maximum on a convex cell. Where the walk does not end in front of the plane, roughly
     // is not good enough: all vertices are asked.
     Index top = m_Last;
-    double height = HeightOf(top, equation);
+    double height = HeightOf(top);
     for (bool isTop = false; !isTop;) {
         isTop = true;
         const Index first = m_Vertices[top].m_HalfEdge;
         Index halfEdge = first;
         do {
             const Index end = End(halfEdge);
-            const double other = HeightOf(end, equation);
+            const double other = HeightOf(end);
             if (other > height) {
                 height = other;
                 top = end;
@@ -222,9 +222,8 @@ ZulmrsCell::Index ZulmrsCell::CrossingVertex(Index leaving, Index entering)
         m_Factory.CreatePointOnEdge({m_Faces[m_HalfEdges[leaving].m_Face].m_Plane,
                                      m_Faces[m_HalfEdges[entering].m_Face].m_Plane, m_Plane},
                                     from.m_Point, to.m_Point, m_Plane);
-    const std::array<double, 4> equation = m_Plane->GetCoords();
-    const double above = HeightOf(m_HalfEdges[leaving].m_Start, equation) + equation[3];
-    const double below = HeightOf(end, equation) + equation[3];
+    const double above = HeightOf(m_HalfEdges[leaving].m_Start) + m_Equation[3];
+    const double below = HeightOf(end) + m_Equation[3];
     const double part = above > below ? above / (above - below) : 0.5;
     std::array<double, 3> hint{};
     for (std::size_t i = 0; i < 3; ++i) {
@@ -324,9 +323,10 @@ void ZulmrsCell::Cut(const std::array<double, 4>& equation)
         return;
     }
     ++m_Cut;
+    m_Equation = equation;
     bool isOpposite = false;
     m_Plane = m_Factory.CreatePlane(equation, isOpposite, 0);
-    const Index seed = FindInFront(equation);
+    const Index seed = FindInFront();
     if (seed == None) {
         m_Plane->Release();
     } else if (!FloodFront(seed)) {

@@ -64,9 +64,10 @@ private:
     Index End(Index halfEdge) const { return m_HalfEdges[m_HalfEdges[halfEdge].m_Twin].m_Start; }
     Index Around(Index halfEdge) const { return m_HalfEdges[m_HalfEdges[halfEdge].m_Twin].m_Next; }
     int SideOf(Index vertex);
-    double HeightOf(Index vertex, const std::array<double, 4>& equation) const;
+    /// Roughly how far a vertex is along the normal of the plane that cuts.
+    double HeightOf(Index vertex) const;
 
-    Index FindInFront(const std::array<double, 4>& equation);
+    Index FindInFront();
     bool FloodFront(Index seed);
     void CollectCrossings();
     Index CrossingVertex(Index leaving, Index entering);
@@ -90,10 +91,11 @@ private:
     std::vector<Index> m_FreeFaces;
 
     int m_Cut = 0;
-    ZULMRSBSPPlane* m_Plane = nullptr;  ///< the one that cuts
-    Index m_Last = 0;                   ///< where the next walk starts
-    std::vector<Index> m_Front;         ///< vertices that this cut removes
-    std::vector<Index> m_Dead;          ///< half-edges that it removes
+    ZULMRSBSPPlane* m_Plane = nullptr;   ///< the one that cuts
+    std::array<double, 4> m_Equation{};  ///< of that
+    Index m_Last = 0;                    ///< where the next walk starts
+    std::vector<Index> m_Front;          ///< vertices that this cut removes
+    std::vector<Index> m_Dead;           ///< half-edges that it removes
     std::vector<Crossing> m_Crossings;
     std::vector<Index> m_Ends;  ///< for each crossing, the vertex where its face leaves the plane
     Index m_FirstLeaving = None;

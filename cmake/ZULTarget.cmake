@@ -31,7 +31,9 @@ function(zul_add_module NAME)
     PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/src)
   target_compile_definitions(${NAME} PRIVATE ${NAME}_EXPORTS)
   target_link_libraries(${NAME} PUBLIC ${ARG_PUBLIC} PRIVATE $<BUILD_INTERFACE:zul_build_options> ${ARG_PRIVATE})
-  set_target_properties(${NAME} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+  # The modules are installed side by side and find each other there.
+  set_target_properties(${NAME} PROPERTIES
+    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} INSTALL_RPATH "$ORIGIN")
   install(TARGETS ${NAME} EXPORT ZULMRSPlaneBasedInfraTargets)
   install(DIRECTORY include/ DESTINATION include/${NAME})
 endfunction()

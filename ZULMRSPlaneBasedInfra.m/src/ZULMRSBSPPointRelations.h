@@ -107,11 +107,30 @@ inline ZULMRSBSPSign OwnPlaneOr(const ZULMRSBSPPlane& plane, const ZULMRSBSPPoin
                : side(plane, point);
 }
 
+/// Whether a coordinate of two three-planes points certainly differs, which their planes cannot contradict.
+inline bool DifferByIntegers(const ZULMRSBSPPoint& p, const ZULMRSBSPPoint& q)
+{
+    if (!ZULMRSBSPDirectReads::Is3PlanesPoint(p) || !ZULMRSBSPDirectReads::Is3PlanesPoint(q)) {
+        return false;
+    }
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        const ZULMRSBSPSign sign = ZULMRSBSPPlaneRelations::MinorByIntegers(
+            *ZULMRSBSPDirectReads::Integers(p), *ZULMRSBSPDirectReads::Integers(q), axis, 3);
+        if (sign.IsPositive() || sign.IsNegative()) {
+            return true;
+        }
+    }
+    return false;
+}
+
 /// From the integers that planes and points keep. Needs no floating-point scope.
 inline ZULMRSBSPSign DistanceByIntegers(const ZULMRSBSPPoint& p, const ZULMRSBSPPoint& q)
 {
     if (ZULMRSBSPDirectReads::Integers(p) == nullptr || ZULMRSBSPDirectReads::Integers(q) == nullptr) {
         return ZULMRSBSPSign::Undecided();
+    }
+    if (DifferByIntegers(p, q)) {
+        return ZULMRSBSPSign::Positive();
     }
     return Distance(
         p, q,

@@ -140,14 +140,18 @@ inline ZULMRSBSPSign DistanceByIntegers(const ZULMRSBSPPoint& p, const ZULMRSBSP
         ZULMRSBSPOrientation::AtCoordinatesByIntegers);
 }
 
+/// What no stage can tell counts as lying on the plane: another plane may still tell the points apart.
 inline ZULMRSBSPSign DistanceInStages(const ZULMRSBSPPoint& p, const ZULMRSBSPPoint& q)
 {
+    const auto orOnIt = [](ZULMRSBSPSign side) { return side.IsDecided() ? side : ZULMRSBSPSign::Zero(); };
     return Distance(
         p, q,
-        [](const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& point) {
-            return OwnPlaneOr(plane, point, ZULMRSBSPOrientation::AtPoint);
+        [&orOnIt](const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& point) {
+            return orOnIt(OwnPlaneOr(plane, point, ZULMRSBSPOrientation::AtPoint));
         },
-        ZULMRSBSPOrientation::AtCoordinates);
+        [&orOnIt](const ZULMRSBSPPlane& plane, const ZULMathPoint& point) {
+            return orOnIt(ZULMRSBSPOrientation::AtCoordinates(plane, point));
+        });
 }
 
 //---------------------------------------------------------------- order

@@ -194,8 +194,7 @@ ZULMRSExtendedBool ArePointsEqual(const ZULMRSBSPPoint& p, const ZULMRSBSPPoint&
         return ToTruth(static_cast<int>(distance.IsZero()));
     }
     const ZULExpFloatScope scope;
-    // What no stage can tell counts as lying there.
-    return ToTruth(Settled(static_cast<int>(!ZULMRSBSPPointRelations::DistanceInStages(p, q).IsPositive())));
+    return ToTruth(Settled(static_cast<int>(ZULMRSBSPPointRelations::DistanceInStages(p, q).IsZero())));
 }
 
 ZULMRSExtendedBool LexicographicOrder(ZULMRSBSPPoint& p, ZULMRSBSPPoint& q)

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #include "ZULMRSBSPPredicates.h"
@@ -375,6 +376,17 @@ TEST(ZULMRSBSPPredicatesPoints, AMissingPlaneHoldsNoPoint)
     EXPECT_EQ(ArePointsEqual(*AtCoordinates({1, 1, 1}), *broken), False);
     EXPECT_EQ(ArePointsEqual(*broken, *Meeting(x, y, Cartesian(0, 0, 1, -1))), False);
     EXPECT_EQ(LexicographicOrder(*broken, *AtCoordinates({1, 1, 1})), False);
+}
+
+// An answer that no stage can give is none; the next plane still tells the points apart.
+TEST(ZULMRSBSPPredicatesPoints, APlaneThatCannotBeEvaluatedLeavesTheQuestionToTheOthers)
+{
+    const Silence silence;
+    constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+    const auto hopeless = Cartesian(notANumber, 0, 0, 1);
+    const auto point = Meeting(hopeless, Cartesian(0, 1, 0, 0), Cartesian(0, 0, 1, 0));
+    EXPECT_EQ(ArePointsEqual(*point, *AtCoordinates({1, 5, 0})), False);
+    EXPECT_EQ(ArePointsEqual(*point, *AtCoordinates({1, 0, 0})), True);
 }
 
 TEST(ZULMRSBSPPredicatesPoints, ALineIsItsTwoPlanes)

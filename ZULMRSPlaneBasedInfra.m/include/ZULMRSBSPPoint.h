@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "ZULMRSBSPPlane.h"
+#include "ZULPooledObject.h"
 
 /// How a point is defined.
 enum ZULMRSBSPPointType : int { ZULMRSBSPPointType_3Planes = 0, ZULMRSBSPPointType_Cartesian = 1 };
@@ -15,7 +16,7 @@ enum ZULMRSBSPPointType : int { ZULMRSBSPPointType_3Planes = 0, ZULMRSBSPPointTy
 /// representation is the homogeneous quadruple (X, Y, Z, W), the point being (X/W, Y/W, Z/W). Shared and
 /// reference counted: created with one owner, destroyed only by the last Release(). Const operations may run
 /// on one point from many threads at once.
-class ZULMRSPlaneBasedInfra_API ZULMRSBSPPoint
+class ZULMRSPlaneBasedInfra_API ZULMRSBSPPoint : public ZULPooledObject
 {
 public:
     /// Copies take over the count value and the plane pointers, without references: the holder of a copy

@@ -6,10 +6,15 @@
 #include <cstdlib>
 #include <new>
 
+#include "ZULBlockPool.h"
+
 /// Replaces the allocation functions of a test program by ones that count blocks and fail on demand. To be
 /// included by one source of the program.
 namespace ZULTest
 {
+/// Blocks of the pool are blocks like others.
+inline const bool g_IsEveryBlockSeen = ZULBlockPool::UseGlobalHeap();
+
 inline std::atomic<long> g_LiveBlocks{0};
 inline thread_local int t_AllocationsToPass = 0;
 inline thread_local int t_AllocationsToGrant = 0;

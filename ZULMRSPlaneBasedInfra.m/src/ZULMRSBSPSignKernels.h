@@ -10,6 +10,7 @@
 #include "ZULMRSBSPFilter.h"
 #include "ZULMRSBSPFormulas.h"
 #include "ZULMRSBSPIntegerForms.h"
+#include "ZULMRSBSPQuietFilter.h"
 #include "ZULMRSBSPShortInteger.h"
 #include "ZULMRSBSPSign.h"
 #include "ZULMRSBSPStages.h"
@@ -197,6 +198,13 @@ struct ZULMRSBSPDeterminant3x3Kernel {
         return DecideMultiplied(partial + minors[2] * Filtered(x[2]), largest, K);
     }
 
+    static ZULMRSBSPSign Quietly(const std::array<double, NbInputs>& x)
+    {
+        using ZULMRSBSPQuietFilter::MakeRow;
+        return ZULMRSBSPQuietFilter::SignOfDeterminant(MakeRow(x[0], x[1], x[2]), MakeRow(x[3], x[4], x[5]),
+                                                       MakeRow(x[6], x[7], x[8]));
+    }
+
     static ZULMRSBSPSign ByIntegers(const std::array<double, NbInputs>& x)
     {
         using namespace ZULMRSBSPShortIntegers;
@@ -258,6 +266,10 @@ public:
     /// only for input that is not finite.
     static int Sign(const Inputs& inputs)
     {
+        const ZULMRSBSPSign quiet = Quietly(inputs);
+        if (quiet.IsDecided()) [[likely]] {
+            return quiet.ToKernelResult();
+        }
         const ZULMRSBSPSign sign = ByIntegers(inputs);
         return sign.IsDecided() ? sign.ToKernelResult() : SignInStages(inputs);
     }
@@ -303,6 +315,18 @@ public:
             return Kernel::Filter(Value<ZULMRSBSPFilteredDouble>(inputs));
         } else {
             return ZULMRSBSPFilter::Decide(Value<ZULMRSBSPFilteredDouble>(inputs), Kernel::K);
+        }
+    }
+    /// Without a floating-point scope. Undecided where the kernel has no such stage or the processor no such
+    /// arithmetic.
+    static ZULMRSBSPSign Quietly([[maybe_unused]] const Inputs& inputs)
+    {
+        if constexpr (requires { Kernel::Quietly(inputs); }) {
+            return ZULExpProcessor::HasQuietArithmetic()
+                       ? ZULMRSBSPStages::Counted(ZULMRSBSPStage::Filter, Kernel::Quietly(inputs))
+                       : ZULMRSBSPSign::Undecided();
+        } else {
+            return ZULMRSBSPSign::Undecided();
         }
     }
     /// In integers of fixed length, without a floating-point instruction: exact, and cheaper than intervals.

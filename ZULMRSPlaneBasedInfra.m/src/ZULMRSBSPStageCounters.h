@@ -42,7 +42,7 @@ private:
     void AddTo(Sums& sums) const;
 
     std::array<std::array<std::atomic<std::uint64_t>, NbStages>, NbRows> m_Counts{};
-    std::size_t m_Row = NbRows - 1;
+    [[maybe_unused]] std::size_t m_Row = NbRows - 1;
 };
 
 /// While alive, decisions of the calling thread count for a predicate, unless they do for another already.

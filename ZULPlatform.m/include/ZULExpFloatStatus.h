@@ -166,6 +166,38 @@ inline void Pause()
     _mm_pause();
 }
 
+/// Whether the quiet operations below exist. They round to nearest whatever the control word says, raise no
+/// flag and never trap; only denormal operands and results may count as zero.
+inline bool HasQuietArithmetic()
+{
+    return __builtin_cpu_supports("avx512f") != 0;
+}
+inline double QuietSum(double x, double y)
+{
+    double result;
+    __asm__("vaddsd %{rn-sae%}, %2, %1, %0" : "=x"(result) : "x"(x), "x"(y));
+    return result;
+}
+inline double QuietDifference(double x, double y)
+{
+    double result;
+    __asm__("vsubsd %{rn-sae%}, %2, %1, %0" : "=x"(result) : "x"(x), "x"(y));
+    return result;
+}
+inline double QuietProduct(double x, double y)
+{
+    double result;
+    __asm__("vmulsd %{rn-sae%}, %2, %1, %0" : "=x"(result) : "x"(x), "x"(y));
+    return result;
+}
+/// The greater one; the second one where either is NaN.
+inline double QuietMaximum(double x, double y)
+{
+    double result;
+    __asm__("vmaxsd %{sae%}, %2, %1, %0" : "=x"(result) : "x"(x), "x"(y));
+    return result;
+}
+
 #else
 
 using ControlWord = std::fenv_t;
@@ -293,6 +325,27 @@ inline void Pin(int& value)
     __asm__ __volatile__("" : "+r"(value) : : "memory");
 }
 inline void Pause() {}
+
+constexpr bool HasQuietArithmetic()
+{
+    return false;
+}
+inline double QuietSum(double x, double y)
+{
+    return x + y;
+}
+inline double QuietDifference(double x, double y)
+{
+    return x - y;
+}
+inline double QuietProduct(double x, double y)
+{
+    return x * y;
+}
+inline double QuietMaximum(double x, double y)
+{
+    return x > y ? x : y;
+}
 
 #endif
 }  // namespace ZULExpProcessor

@@ -41,3 +41,14 @@ foreach(MODULE ZULPlatform ZULMRSPlaneBasedInfra ZULMRSCutting)
     "-DINCLUDES=${PUBLIC_FOLDERS}" -DSCRATCH=${CMAKE_CURRENT_BINARY_DIR}/headers/${MODULE}
     -P ${CMAKE_CURRENT_SOURCE_DIR}/CheckHeaders.cmake)
 endforeach()
+
+foreach(KIND GCC CLANG)
+  if(ZUL_${KIND})
+    add_test(NAME ZULSourcesBy-${KIND} COMMAND ${CMAKE_COMMAND} -DCOMPILER=${ZUL_${KIND}} -DROOT=${PROJECT_SOURCE_DIR}
+      -DGMP=${GMP_INCLUDE_DIR} -P ${CMAKE_CURRENT_SOURCE_DIR}/CheckSources.cmake)
+    set_tests_properties(ZULSourcesBy-${KIND} PROPERTIES TIMEOUT 900)
+  elseif(ZUL_SECOND_COMPILER)
+    add_test(NAME ZULSourcesBy-${KIND}
+      COMMAND ${CMAKE_COMMAND} -E cat "no ${KIND} compiler found, see ZUL_SECOND_COMPILER")
+  endif()
+endforeach()

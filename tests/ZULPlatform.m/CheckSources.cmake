@@ -1,0 +1,17 @@
+# Reads every source of the libraries with a compiler that need not be the one that builds them, with its
+# warnings as errors and the options of an ordinary build.
+file(GLOB SOURCES ${ROOT}/ZULPlatform.m/src/*.cpp ${ROOT}/ZULMRSPlaneBasedInfra.m/src/*.cpp ${ROOT}/ZULMRSCutting.m/src/*.cpp)
+set(OPTIONS -std=c++20 -O2 -fsyntax-only -Wall -Wextra -Wconversion -Werror -isystem ${GMP})
+foreach(MODULE ZULPlatform ZULMRSPlaneBasedInfra ZULMRSCutting)
+  list(APPEND OPTIONS -I${ROOT}/${MODULE}.m/include -I${ROOT}/${MODULE}.m/src)
+endforeach()
+list(LENGTH SOURCES NB_SOURCES)
+if(NB_SOURCES LESS 30)
+  message(FATAL_ERROR "only ${NB_SOURCES} sources found in ${ROOT}")
+endif()
+foreach(SOURCE ${SOURCES})
+  execute_process(COMMAND ${COMPILER} ${OPTIONS} ${SOURCE} RESULT_VARIABLE FAILURE ERROR_VARIABLE ERRORS)
+  if(FAILURE)
+    message(SEND_ERROR "${SOURCE}:\n${ERRORS}")
+  endif()
+endforeach()

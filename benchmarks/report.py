@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 """Merges the runs of the benchmarks to one table of times and ratios.
 
-    report.py RUNS TARGETS... --json RESULTS.json --markdown RESULTS.md
+    report.py RUNS TARGETS... [--stages STAGES] --json RESULTS.json --markdown RESULTS.md
 
 RUNS is a folder of files that Google Benchmark wrote, any number per peer: a figure is the median over all of
-them. TARGETS are lists of rows {"row": text, "of": workload, "peer": name, "against": workload, "must": x,
+them. STAGES is such a folder too, of our library built to count which stage makes each decision. TARGETS are lists of rows {"row": text, "of": workload, "peer": name, "against": workload, "must": x,
 "aim": x}: the time of our library on `of` divided by the time of the peer (our own when not named) on `against`
 (`of` when not named) is to be at most `must`; or {"row", "of", "must", "aim"} with "per_second": true, for at
 least so many items a second. Ends with 1, and a line that tells why, when exact peers disagree in an answer.
@@ -96,6 +96,13 @@ class Results:
         return lines
 
 
+def read_folder(folder):
+    results = Results()
+    for path in sorted(folder.glob("*.json")):
+        results.read(path)
+    return results
+
+
 def number(value):
     if value >= 1000:
         return f"{value:,.0f}"
@@ -163,6 +170,23 @@ def counters_table(results):
     return ["## Counters", ""] + table(["workload", "peer", "counters"], rows) + [""] if rows else []
 
 
+def stages_table(results):
+    """Which share of the decisions each stage has made, where the library counts them."""
+    stages = ["stage_shortcut", "stage_filter", "stage_interval", "stage_exact"]
+    rows = []
+    for _, workloads in sorted(results.workloads.items()):
+        for workload in by_workload(workloads):
+            figure = workloads[workload].get(OURS)
+            counts = [figure.counter(stage) or 0 for stage in stages] if figure else []
+            if sum(counts) > 0:
+                shares = [f"{100 * count / sum(counts):.3g} %" if count else "" for count in counts]
+                rows.append([workload, number(sum(counts))] + shares)
+    if not rows:
+        return []
+    head = ["workload", "decisions", "identity and signs", "bounded integers and doubles", "intervals", "exact"]
+    return ["## Stages: who decides", ""] + table(head, rows) + [""]
+
+
 def judge(results, target):
     """The measured value of a target, and how it stands."""
     of = results.find(target["of"], OURS)
@@ -208,21 +232,22 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("runs", type=pathlib.Path)
     parser.add_argument("targets", type=pathlib.Path, nargs="*")
+    parser.add_argument("--stages", type=pathlib.Path)
     parser.add_argument("--json", type=pathlib.Path, required=True)
     parser.add_argument("--markdown", type=pathlib.Path, required=True)
     arguments = parser.parse_args()
 
-    results = Results()
-    for path in sorted(arguments.runs.glob("*.json")):
-        results.read(path)
+    results = read_folder(arguments.runs)
+    stages = read_folder(arguments.stages) if arguments.stages else Results()
     judged = [(target, *judge(results, target))
               for path in arguments.targets for target in json.loads(path.read_text())]
 
     context = ", ".join(f"{key} {value}" for key, value in results.context.items())
     lines = ["# Benchmarks", "", f"{context}. Medians. An empty cell: the peer cannot do it or takes no part.", ""]
-    lines += targets_table(judged) + times_tables(results) + counters_table(results)
+    lines += targets_table(judged) + times_tables(results) + stages_table(stages) + counters_table(results)
     arguments.markdown.write_text("\n".join(lines))
-    arguments.json.write_text(json.dumps(as_json(results, judged), indent=1) + "\n")
+    arguments.json.write_text(json.dumps({**as_json(results, judged), "stages": as_json(stages, [])["workloads"]},
+                                         indent=1) + "\n")
 
     disagreements = results.disagreements()
     for line in disagreements:

@@ -7,6 +7,7 @@
 
 #include "Workloads.h"
 #include "ZULBenchMain.h"
+#include "ZULBenchStages.h"
 #include "zulmrsCell.h"
 
 namespace
@@ -46,5 +47,6 @@ void ZULBenchRegister()
     // As in a long-lived program, memory once had is not given back, so that no page is fetched anew.
     mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
     mallopt(M_MMAP_THRESHOLD, std::numeric_limits<int>::max());
+    ZULBench::StageObserver::Register();
     ZULBench::RegisterCells<Maker>();
 }

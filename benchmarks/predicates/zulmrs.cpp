@@ -3,6 +3,7 @@
 
 #include "Workloads.h"
 #include "ZULBenchMain.h"
+#include "ZULBenchStages.h"
 #include "ZULMRSBSPPredicates.h"
 #include "zulmrsBytes.h"
 
@@ -77,6 +78,7 @@ struct Peer : ZULBench::PeerBase {
 ZUL_BENCH_DEFINE_PEER();
 void ZULBenchRegister()
 {
+    ZULBench::StageObserver::Register();
     ZULBench::RegisterBytes();
     ZULBench::RegisterPredicates<Peer>();
 }

@@ -29,10 +29,50 @@ private:
     std::uint64_t m_Value = 0;
 };
 
+/// What a peer wants to tell of the pass that is not timed: Begin() before it, End() after it. Where there is
+/// one, it is for all workloads of the program.
+class Observer
+{
+public:
+    virtual ~Observer() = default;
+    virtual void Begin() = 0;
+    virtual void End(benchmark::State& state) = 0;
+
+    static Observer*& OfThisProgram()
+    {
+        static Observer* observer = nullptr;
+        return observer;
+    }
+};
+
+/// The observer's Begin() and End() around a block.
+class Observed
+{
+public:
+    explicit Observed(benchmark::State& state) : m_State(state)
+    {
+        if (Observer* const observer = Observer::OfThisProgram()) {
+            observer->Begin();
+        }
+    }
+    ~Observed()
+    {
+        if (Observer* const observer = Observer::OfThisProgram()) {
+            observer->End(m_State);
+        }
+    }
+    Observed(const Observed&) = delete;
+    Observed& operator=(const Observed&) = delete;
+
+private:
+    benchmark::State& m_State;
+};
+
 /// One pass that keeps the checksum of the answers and how many could not be decided.
 template <class Items, class Answer>
 void CountAnswers(benchmark::State& state, const Items& items, Answer answer)
 {
+    const Observed observed(state);
     Checksum checksum;
     int nbUndecided = 0;
     for (const auto& item : items) {

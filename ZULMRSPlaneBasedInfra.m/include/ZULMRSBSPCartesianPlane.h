@@ -30,11 +30,17 @@ public:
     void SetCoords(const std::array<double, 4>& equation);
 
 private:
-    /// First: with the object's head it is what decisions read.
+    /// With the integers that belong to the coefficients.
+    ZULMRSBSPCartesianPlane(const std::array<double, 4>& equation, const ZULMRSBSPIntegerForm& integerForm);
+
+    /// Where the normal is a signed unit axis, its axis; otherwise -1. Fits behind the base's count.
+    signed char m_CanonicalAxis;
+    /// Near the object's head: it is what decisions read.
     ZULMRSBSPIntegerForm m_IntegerForm;
     std::array<double, 4> m_Coords;
 
     friend struct ZULMRSBSPDirectReads;
+    friend class ZULMRSBSPNewCartesianPlane;
 };
 
 #endif

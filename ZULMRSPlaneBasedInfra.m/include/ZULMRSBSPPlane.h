@@ -12,6 +12,7 @@
 #include "ZULMRSPlaneBasedInfraExport.h"
 #include "ZULMathPoint.h"
 #include "ZULMathVector.h"
+#include "ZULPooledObject.h"
 
 /// How a plane is defined.
 enum ZULMRSBSPPlaneType : int { ZULMRSBSPPlaneType_Cartesian = 0, ZULMRSBSPPlaneType_3Points = 1 };
@@ -25,7 +26,7 @@ using ZULMRSBSPQuadruple = std::tuple<const std::array<Number, 4>*, bool>;
 /// A plane a x + b y + c z + d = 0. The normal (a, b, c) is never normalised; a point is in front where the
 /// sum is positive. Shared and reference counted: created with one owner, destroyed only by the last
 /// Release(). Const operations may run on one plane from many threads at once.
-class ZULMRSPlaneBasedInfra_API ZULMRSBSPPlane
+class ZULMRSPlaneBasedInfra_API ZULMRSBSPPlane : public ZULPooledObject
 {
 public:
     /// Copies take over the source's count value, and nothing else.

@@ -1,17 +1,38 @@
 #include "ZULMRSBSPCartesianPlane.h"
 
 #include <cstddef>
+#include <cstdint>
 
 #include "ZULExpRounding.h"
 #include "ZULMRSBSPFormulas.h"
 #include "ZULMRSBSPIntegerForms.h"
 #include "ZULMRSBSPQuadrupleHolder.h"
 
-using ZULMRSBSPFormulas::IsExactlyUnit;
-using ZULMRSBSPFormulas::IsExactlyZero;
+namespace
+{
+signed char CanonicalAxis(const std::array<double, 4>& equation)
+{
+    using ZULMRSBSPFormulas::MagnitudeBits;
+    const std::uint64_t a = MagnitudeBits(equation[0]);
+    const std::uint64_t b = MagnitudeBits(equation[1]);
+    const std::uint64_t c = MagnitudeBits(equation[2]);
+    // One of them is 1 and the others are zeros just when, put together, they are 1 and only one has a bit.
+    const int nbNonzero = static_cast<int>(a != 0) + static_cast<int>(b != 0) + static_cast<int>(c != 0);
+    if ((a | b | c) != MagnitudeBits(1.0) || nbNonzero != 1) {
+        return -1;
+    }
+    return static_cast<signed char>(static_cast<int>(b != 0) + 2 * static_cast<int>(c != 0));
+}
+}  // namespace
 
 ZULMRSBSPCartesianPlane::ZULMRSBSPCartesianPlane(const std::array<double, 4>& equation)
-    : m_IntegerForm(ZULMRSBSPIntegerForms::OfPlane(equation)), m_Coords(equation)
+    : ZULMRSBSPCartesianPlane(equation, ZULMRSBSPIntegerForms::OfPlane(equation))
+{
+}
+
+ZULMRSBSPCartesianPlane::ZULMRSBSPCartesianPlane(const std::array<double, 4>& equation,
+                                                 const ZULMRSBSPIntegerForm& integerForm)
+    : m_CanonicalAxis(CanonicalAxis(equation)), m_IntegerForm(integerForm), m_Coords(equation)
 {
 }
 
@@ -26,17 +47,8 @@ ZULMRSBSPPlaneType ZULMRSBSPCartesianPlane::GetType() const
 
 bool ZULMRSBSPCartesianPlane::IsCanonical(int& axis) const
 {
-    axis = -1;
-    for (int i = 0; i < 3; ++i) {
-        const auto index = static_cast<std::size_t>(i);
-        const bool isUnit = IsExactlyUnit(m_Coords[index]) && IsExactlyZero(m_Coords[(index + 1) % 3]) &&
-                            IsExactlyZero(m_Coords[(index + 2) % 3]);
-        if (isUnit) {
-            axis = i;
-            return true;
-        }
-    }
-    return false;
+    axis = m_CanonicalAxis;
+    return axis >= 0;
 }
 
 ZULMRSBSPQuadruple<ZULExpDynamic> ZULMRSBSPCartesianPlane::GetStdEquation_ExpDynamic() const
@@ -72,6 +84,7 @@ ZULMathVector ZULMRSBSPCartesianPlane::GetNormalVector() const
 
 void ZULMRSBSPCartesianPlane::SetCoords(const std::array<double, 4>& equation)
 {
+    m_CanonicalAxis = CanonicalAxis(equation);
     m_Coords = equation;
     m_IntegerForm = ZULMRSBSPIntegerForms::OfPlane(m_Coords);
 }

@@ -46,6 +46,14 @@ struct ZULMRSBSPDirectReads {
     {
         return point.HasRepresentation() ? &point.m_Representation : nullptr;
     }
+    /// The axis of a Cartesian plane's normal where that is a signed unit axis, otherwise -1; -2 for any
+    /// other plane.
+    static int CanonicalAxis(const ZULMRSBSPPlane& plane)
+    {
+        return Is<ZULMRSBSPCartesianPlane>(plane)
+                   ? static_cast<const ZULMRSBSPCartesianPlane&>(plane).m_CanonicalAxis
+                   : -2;
+    }
     static bool Is3PointsPlane(const ZULMRSBSPPlane& plane) { return Is<ZULMRSBSP3PointsPlane>(plane); }
     /// The integers that a plane or a point keeps; null for one of another class.
     static const ZULMRSBSPIntegerForm* Integers(const ZULMRSBSPPlane& plane)
@@ -83,6 +91,17 @@ private:
 inline bool ZULMRSBSPIsCartesian(const ZULMRSBSPPlane& plane)
 {
     return ZULMRSBSPDirectReads::Coords(plane) != nullptr || plane.GetType() == ZULMRSBSPPlaneType_Cartesian;
+}
+
+/// As the plane's IsCanonical.
+inline bool ZULMRSBSPIsCanonical(const ZULMRSBSPPlane& plane, int& axis)
+{
+    const int canonicalAxis = ZULMRSBSPDirectReads::CanonicalAxis(plane);
+    if (canonicalAxis == -2) [[unlikely]] {
+        return plane.IsCanonical(axis);
+    }
+    axis = canonicalAxis;
+    return axis >= 0;
 }
 
 /// The doubles of a plane known to be Cartesian.

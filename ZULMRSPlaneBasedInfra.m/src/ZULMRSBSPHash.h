@@ -30,13 +30,18 @@ inline std::uint64_t OfPointer(const void* pointer)
     return OfWord(static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(pointer)));
 }
 
-/// Equal numbers hash alike: -0.0 counts as +0.0.
+/// The bits of a number, alike for equal numbers: -0.0 counts as +0.0.
+inline std::uint64_t BitsOf(double value)
+{
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, &value, sizeof bits);
+    return bits << 1U != 0 ? bits : 0;
+}
+
+/// Equal numbers hash alike.
 inline std::uint64_t OfDouble(double value)
 {
-    const double canonical = value == 0.0 ? 0.0 : value;
-    std::uint64_t bits = 0;
-    std::memcpy(&bits, &canonical, sizeof bits);
-    return OfWord(bits);
+    return OfWord(BitsOf(value));
 }
 
 /// The exclusive or of the members' hashes.

@@ -4,10 +4,14 @@
 #include <cmath>
 #include <mutex>
 #include <new>
+#include <optional>
+#include <type_traits>
 
 #include "ZULExpFloatStatus.h"
 #include "ZULMRSBSPFactoryReport.h"
+#include "ZULMRSBSPNewCartesianPlane.h"
 #include "ZULMRSBSPObjectFactory.h"
+#include "ZULMRSBSPPlaneIdentity.h"
 #include "ZULMRSBSPReport.h"
 
 namespace
@@ -17,7 +21,6 @@ constexpr double SmallestGridStep = 1e-12;
 constexpr double SmallestNorm = 1e-12;
 /// What a coordinate may count in grid steps.
 constexpr double LargestNbSteps = 2147483646.0;
-constexpr std::size_t NbPlanesExpected = 10;
 
 constexpr const char* Source = "ZULMRSBSPPlaneFactoryImpl";
 constexpr const char* SetGriddingToleranceName = "ZULMRSBSPPlaneFactoryImpl::SetGriddingTolerance";
@@ -79,29 +82,46 @@ bool IsTooShort(const ZULMRSBSPScaledNorm& norm, const ZULMRSBSPReport::Place& p
     return true;
 }
 
-template <class Set>
-void ReleaseAll(Set& planes)
+std::array<double, 4> Negated(const std::array<double, 4>& equation)
 {
-    for (ZULMRSBSPPlane* plane : planes) {
-        ZULMRSBSPPlane::ReleaseObject(plane);
-    }
-    planes.clear();
+    return {-equation[0], -equation[1], -equation[2], -equation[3]};
 }
 
-/// Drops what nobody else holds.
-template <class Set>
-void DropUnused(Set& planes)
+/// A key and where its search among the held planes has come to.
+template <class Key>
+class Search
 {
-    for (auto entry = planes.begin(); entry != planes.end();) {
-        ZULMRSBSPPlane* const plane = *entry;
-        if (plane != nullptr && plane->GetRefCount() > 0) {
-            ++entry;
-            continue;
-        }
-        entry = planes.erase(entry);
-        ZULMRSBSPPlane::ReleaseObject(plane);
+public:
+    Search(const ZULMRSBSPHeldPlanes& planes, const ZULMRSBSPCartesianPlane& searchPlane,
+           const std::array<double, 4>& equation)
+        : m_Key(MakeKey(searchPlane, equation)), m_Place(planes.Find(m_Key))
+    {
     }
-}
+    ZULMRSBSPCartesianPlane* GetPlane() const { return m_Place.m_Plane; }
+    /// Looks at what has been added meanwhile, too.
+    ZULMRSBSPCartesianPlane* Finish(const ZULMRSBSPHeldPlanes& planes)
+    {
+        planes.FindSince(m_Key, m_Place);
+        return m_Place.m_Plane;
+    }
+    void Add(ZULMRSBSPHeldPlanes& planes, ZULMRSBSPCartesianPlane* plane)
+    {
+        planes.Add(plane, m_Key.GetHash(), m_Place);
+    }
+
+private:
+    static Key MakeKey(const ZULMRSBSPCartesianPlane& searchPlane, const std::array<double, 4>& equation)
+    {
+        if constexpr (std::is_constructible_v<Key, const std::array<double, 4>&>) {
+            return Key(equation);
+        } else {
+            return Key(searchPlane, equation);
+        }
+    }
+
+    const Key m_Key;
+    ZULMRSBSPHeldPlanes::Place m_Place;
+};
 }  // namespace
 
 ZULMRSBSPPlaneFactory* ZULMRSCreatePlaneFactory(bool geometricIdentity)
@@ -114,8 +134,6 @@ ZULMRSBSPPlaneFactoryImpl::ZULMRSBSPPlaneFactoryImpl(bool geometricIdentity)
       m_IsGeometric(geometricIdentity)
 {
     m_GridSteps.fill(DefaultGridStep);
-    m_ExactSet.reserve(NbPlanesExpected);
-    m_GeometricSet.reserve(NbPlanesExpected);
 }
 
 ZULMRSBSPPlaneFactoryImpl::~ZULMRSBSPPlaneFactoryImpl()
@@ -123,8 +141,7 @@ ZULMRSBSPPlaneFactoryImpl::~ZULMRSBSPPlaneFactoryImpl()
     ZULKLOOutput::GetOut() << ZULMRSBSPFactoryReport::Statistics{"ZULMRSBSPPlaneFactory", "Planes",
                                                                  m_NbPlanesRequired, m_NbPlanesReused,
                                                                  ZULMRSBSPPlaneFactoryImpl::Size()};
-    ReleaseAll(m_GeometricSet);
-    ReleaseAll(m_ExactSet);
+    m_Planes.ForEach([](ZULMRSBSPPlane* plane) { plane->Release(); });
     ZULMRSBSPPlane::ReleaseObject(m_SearchPlane);
 }
 
@@ -187,6 +204,8 @@ bool ZULMRSBSPPlaneFactoryImpl::AreStepsTooSmall() const
 bool ZULMRSBSPPlaneFactoryImpl::QuantizePlaneEquation(const std::array<double, 4>& in,
                                                       std::array<double, 4>& out) const
 {
+    // Threads that round differently must still agree on one plane and its hash.
+    const ZULExpFloatScope defaultRounding;
     const ZULMRSBSPScaledNorm norm(in[0], in[1], in[2]);
     if (IsTooShort(norm, EquationTooShort)) {
         return false;
@@ -210,69 +229,66 @@ void ZULMRSBSPPlaneFactoryImpl::QuantizePlaneEquation(std::array<double, 4>& equ
 ZULMRSBSPPlane* ZULMRSBSPPlaneFactoryImpl::CreatePlane(const std::array<double, 4>& equation,
                                                        bool& isOpposite, unsigned int flags)
 {
-    // Threads that round differently must still agree on one plane and its hash.
-    const ZULExpFloatScope defaultRounding;
     isOpposite = false;
     if (m_SearchPlane == nullptr) {
         return nullptr;
     }
-    std::array<double, 4> key = equation;
-    if ((flags & ZULMRSBSPCreatePlane_Quantize) != 0 && !QuantizePlaneEquation(equation, key)) {
-        return nullptr;
+    if ((flags & ZULMRSBSPCreatePlane_Quantize) == 0) {
+        return FindOrCreate(equation, isOpposite, flags);
     }
-    const std::lock_guard guard(m_Lock);
-    return FindOrCreate(key, isOpposite, (flags & ZULMRSBSPCreatePlane_AcceptOpposite) != 0);
+    std::array<double, 4> quantized{};
+    return QuantizePlaneEquation(equation, quantized) ? FindOrCreate(quantized, isOpposite, flags) : nullptr;
 }
 
-ZULMRSBSPPlane* ZULMRSBSPPlaneFactoryImpl::FindOrCreate(const std::array<double, 4>& key, bool& isOpposite,
-                                                        bool acceptOpposite)
+ZULMRSBSPPlane* ZULMRSBSPPlaneFactoryImpl::FindOrCreate(const std::array<double, 4>& equation,
+                                                        bool& isOpposite, unsigned int flags)
 {
-    ++m_NbPlanesRequired;
-    if (ZULMRSBSPPlane* const held = FindHeld(key)) {
-        return held;
+    const bool acceptOpposite = (flags & ZULMRSBSPCreatePlane_AcceptOpposite) != 0;
+    return m_IsGeometric
+               ? FindOrCreate<ZULMRSBSPPlaneIdentity::GeometricKey>(equation, isOpposite, acceptOpposite)
+               : FindOrCreate<ZULMRSBSPPlaneIdentity::ExactKey>(equation, isOpposite, acceptOpposite);
+}
+
+template <class Key>
+ZULMRSBSPPlane* ZULMRSBSPPlaneFactoryImpl::FindOrCreate(const std::array<double, 4>& equation,
+                                                        bool& isOpposite, bool acceptOpposite)
+{
+    // No plane goes while planes are created. So everything is looked for, and prepared, before the lock;
+    // what has been found stays found, and under the lock only what was added meanwhile is looked at.
+    Search<Key> same(m_Planes, *m_SearchPlane, equation);
+    std::optional<Search<Key>> opposite;
+    if (same.GetPlane() == nullptr && acceptOpposite) {
+        opposite.emplace(m_Planes, *m_SearchPlane, Negated(equation));
     }
-    if (acceptOpposite) {
-        if (ZULMRSBSPPlane* const held = FindHeld({-key[0], -key[1], -key[2], -key[3]})) {
-            isOpposite = true;
-            return held;
+    ZULMRSBSPNewCartesianPlane prepared;
+    if (same.GetPlane() == nullptr && (!opposite || opposite->GetPlane() == nullptr)) {
+        prepared.Prepare(equation);
+    }
+    ZULMRSBSPCartesianPlane* plane = nullptr;
+    {
+        const std::lock_guard guard(m_Lock);
+        ++m_NbPlanesRequired;
+        plane = same.Finish(m_Planes);
+        if (plane == nullptr && opposite) {
+            plane = opposite->Finish(m_Planes);
+            isOpposite = plane != nullptr;
+        }
+        if (plane != nullptr) {
+            ++m_NbPlanesReused;
+        } else if (prepared.IsReady() && m_Planes.Reserve()) {
+            plane = prepared.Make(equation);
+            same.Add(m_Planes, plane);
         }
     }
-    return CreateHeld(key);
-}
-
-ZULMRSBSPPlane* ZULMRSBSPPlaneFactoryImpl::FindHeld(const std::array<double, 4>& key)
-{
-    m_SearchPlane->SetCoords(key);
-    ZULMRSBSPPlane* const held = WithActiveSet([this](auto& planes) {
-        const auto found = planes.find(m_SearchPlane);
-        return found != planes.end() ? *found : nullptr;
-    });
-    if (held != nullptr) {
-        ++m_NbPlanesReused;
-        held->AddRef();
+    if (plane != nullptr) {
+        plane->AddRef();
     }
-    return held;
-}
-
-ZULMRSBSPPlane* ZULMRSBSPPlaneFactoryImpl::CreateHeld(const std::array<double, 4>& key)
-{
-    ZULMRSBSPPlane* const plane = new (std::nothrow) ZULMRSBSPCartesianPlane(key);
-    if (plane == nullptr) {
-        return nullptr;
-    }
-    try {
-        WithActiveSet([plane](auto& planes) { planes.insert(plane); });
-    } catch (const std::bad_alloc&) {
-        plane->Release();
-        return nullptr;
-    }
-    plane->AddRef();
     return plane;
 }
 
 std::uint64_t ZULMRSBSPPlaneFactoryImpl::Size()
 {
-    return WithActiveSet([](auto& planes) { return static_cast<std::uint64_t>(planes.size()); });
+    return m_Planes.GetSize();
 }
 
 ZULMRSErrorTypes ZULMRSBSPPlaneFactoryImpl::Tass()
@@ -281,7 +297,8 @@ ZULMRSErrorTypes ZULMRSBSPPlaneFactoryImpl::Tass()
     if (before == 0) {
         return ZULMRSNoError;
     }
-    WithActiveSet([](auto& planes) { DropUnused(planes); });
+    m_Planes.RemoveIf([](const ZULMRSBSPPlane& plane) { return plane.GetRefCount() <= 0; },
+                      [](ZULMRSBSPPlane* plane) { plane->Release(); });
     ZULKLOOutput::GetOut() << ZULMRSBSPFactoryReport::TassSummary{"ZULMRSBSPPlaneFactoryImpl", "Planes",
                                                                   before, Size()}
                            << "\n";

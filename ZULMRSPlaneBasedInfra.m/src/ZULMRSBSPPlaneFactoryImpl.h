@@ -3,12 +3,11 @@
 
 #include <array>
 #include <cstdint>
-#include <unordered_set>
 
 #include "ZULCriticalSection.h"
 #include "ZULMRSBSPCartesianPlane.h"
+#include "ZULMRSBSPHeldPlanes.h"
 #include "ZULMRSBSPPlaneFactory.h"
-#include "ZULMRSBSPPlaneIdentity.h"
 #include "ZULMRSBSPScaledNorm.h"
 
 /// The plane factory. CreatePlane is safe from many threads at once; everything else must run alone.
@@ -29,11 +28,6 @@ public:
     ZULMRSErrorTypes Tass() override;
 
 private:
-    using ExactSet = std::unordered_set<ZULMRSBSPPlane*, ZULMRSBSPPlaneIdentity::ExactHash,
-                                        ZULMRSBSPPlaneIdentity::ExactEqual>;
-    using GeometricSet = std::unordered_set<ZULMRSBSPPlane*, ZULMRSBSPPlaneIdentity::GeometricHash,
-                                            ZULMRSBSPPlaneIdentity::GeometricEqual>;
-
     /// Normalises and snaps all four coefficients. False for a normal that is too short (reported); out is
     /// not written then.
     bool QuantizePlaneEquation(const std::array<double, 4>& in, std::array<double, 4>& out) const;
@@ -47,25 +41,19 @@ private:
                                  const ZULMRSBSPScaledNorm& norm) const;
     bool AreStepsTooSmall() const;
 
-    /// Calls the operation with the set that is in use.
-    template <class Operation>
-    decltype(auto) WithActiveSet(Operation&& operation)
-    {
-        return m_IsGeometric ? operation(m_GeometricSet) : operation(m_ExactSet);
-    }
+    ZULMRSBSPPlane* FindOrCreate(const std::array<double, 4>& equation, bool& isOpposite, unsigned int flags);
+    template <class Key>
+    ZULMRSBSPPlane* FindOrCreate(const std::array<double, 4>& equation, bool& isOpposite,
+                                 bool acceptOpposite);
 
-    ZULMRSBSPPlane* FindOrCreate(const std::array<double, 4>& key, bool& isOpposite, bool acceptOpposite);
-    ZULMRSBSPPlane* FindHeld(const std::array<double, 4>& key);
-    ZULMRSBSPPlane* CreateHeld(const std::array<double, 4>& key);
-
-    ZULMRSBSPCartesianPlane* m_SearchPlane;  // the key of look-ups; null when memory was exhausted
-    ExactSet m_ExactSet;
-    GeometricSet m_GeometricSet;
+    ZULMRSBSPCartesianPlane* m_SearchPlane;  // pattern of the keys; null when memory was exhausted
+    std::array<double, 4> m_GridSteps;       // for a, b, c and d
+    bool m_IsGeometric;
+    // From its end on what every request changes, away from what it only reads.
+    ZULMRSBSPHeldPlanes m_Planes;
+    ZULCriticalSection m_Lock;
     std::uint32_t m_NbPlanesRequired = 0;
     std::uint32_t m_NbPlanesReused = 0;
-    std::array<double, 4> m_GridSteps;  // for a, b, c and d
-    ZULCriticalSection m_Lock;
-    bool m_IsGeometric;
 };
 
 #endif

@@ -6,28 +6,49 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "ZULExpFloatStatus.h"
+#include "ZULMRSBSPCartesianPlane.h"
 #include "ZULMRSBSPHash.h"
-#include "ZULMRSBSPPlane.h"
 #include "ZULMRSBSPPredicates.h"
 #include "ZULMRSBSPScaledNorm.h"
 
-/// The two ways in which the plane factory recognises a plane: hash and equality of each.
+/// The two ways in which the plane factory recognises a plane: the key of each, with hash and equality.
 namespace ZULMRSBSPPlaneIdentity
 {
-/// Planes are the same when their four coefficients are equal.
-struct ExactHash {
-    std::size_t operator()(const ZULMRSBSPPlane* plane) const
+/// Planes are the same when their four coefficients are equal. Compared by their bits, which asks nothing of
+/// the caller's floating-point environment.
+class ExactKey
+{
+public:
+    explicit ExactKey(const std::array<double, 4>& equation)
+        : m_Words{Canonical(equation[0]), Canonical(equation[1]), Canonical(equation[2]),
+                  Canonical(equation[3])},
+          m_Hash(ZULMRSBSPHash::OfWord(m_Words[0]) ^ ZULMRSBSPHash::OfWord(m_Words[1]) ^
+                 ZULMRSBSPHash::OfWord(m_Words[2]) ^ ZULMRSBSPHash::OfWord(m_Words[3]))
     {
-        const std::array<double, 4> coords = plane->GetCoords();
-        return ZULMRSBSPHash::OfDoubles(coords[0], coords[1], coords[2], coords[3]);
     }
-};
 
-struct ExactEqual {
-    bool operator()(const ZULMRSBSPPlane* p, const ZULMRSBSPPlane* q) const
+    std::size_t GetHash() const { return m_Hash; }
+    /// Never for a coefficient that is not a number.
+    bool IsSame(const ZULMRSBSPCartesianPlane& plane) const
     {
-        return p->GetCoords() == q->GetCoords();
+        const std::array<double, 4> coords = plane.ZULMRSBSPCartesianPlane::GetCoords();
+        std::uint64_t difference = 0;
+        bool isNumber = true;
+        for (std::size_t i = 0; i < coords.size(); ++i) {
+            difference |= Canonical(coords[i]) ^ m_Words[i];
+            isNumber &= (m_Words[i] << 1U) <= BitsOfInfinity << 1U;
+        }
+        return difference == 0 && isNumber;
     }
+
+private:
+    static constexpr std::uint64_t BitsOfInfinity = 0x7FF0000000000000U;
+
+    static std::uint64_t Canonical(double value) { return ZULMRSBSPHash::BitsOf(value); }
+
+    std::array<std::uint64_t, 4> m_Words;
+    std::size_t m_Hash;
 };
 
 /// A unit normal coarsened to 48 bits: which component dominates, the three signs, and the two other
@@ -65,12 +86,29 @@ struct DirectionCode {
 };
 
 /// Planes are the same when they are exactly coincident and face the same way. The hash sees the direction
-/// of the normal alone, so that all planes of one direction share a bucket and the exact predicates decide.
-struct GeometricHash {
-    std::size_t operator()(const ZULMRSBSPPlane* plane) const { return OfEquation(plane->GetCoords()); }
+/// of the normal alone, so that all planes of one direction share a hash and the exact predicates decide.
+class GeometricKey
+{
+public:
+    /// The key is a plane itself: a copy of any other, which counts as no construction, with another
+    /// equation.
+    GeometricKey(const ZULMRSBSPCartesianPlane& any, const std::array<double, 4>& equation)
+        : m_Plane(any), m_Hash(OfEquation(equation))
+    {
+        m_Plane.SetCoords(equation);
+    }
 
+    std::size_t GetHash() const { return m_Hash; }
+    bool IsSame(const ZULMRSBSPCartesianPlane& plane) const
+    {
+        return ZULMRSBSPPredicates::ArePlanesCoincident(m_Plane, plane) == ZULMRSExtendedTrue &&
+               ZULMRSBSPPredicates::CoincidentOrientation(m_Plane, plane) == ZULMRSExtendedTrue;
+    }
+
+    /// Must not depend on how the calling thread rounds.
     static std::size_t OfEquation(const std::array<double, 4>& coords)
     {
+        const ZULExpFloatScope defaultRounding;
         const ZULMRSBSPScaledNorm norm(coords[0], coords[1], coords[2]);
         if (!(norm.m_Value > 0.0 && std::isfinite(norm.m_Value))) {
             return 0;
@@ -89,14 +127,9 @@ private:
         return std::isfinite(term) ? static_cast<std::uint64_t>(static_cast<std::int32_t>(term)) & 0xFFFFU
                                    : 0U;
     }
-};
 
-struct GeometricEqual {
-    bool operator()(const ZULMRSBSPPlane* p, const ZULMRSBSPPlane* q) const
-    {
-        return ZULMRSBSPPredicates::ArePlanesCoincident(*p, *q) == ZULMRSExtendedTrue &&
-               ZULMRSBSPPredicates::CoincidentOrientation(*p, *q) == ZULMRSExtendedTrue;
-    }
+    ZULMRSBSPCartesianPlane m_Plane;
+    std::size_t m_Hash;
 };
 }  // namespace ZULMRSBSPPlaneIdentity
 

@@ -5,6 +5,7 @@
 #include <array>
 #include <bit>
 #include <cmath>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -15,6 +16,8 @@
 
 namespace
 {
+using ZULMRSBSPPlaneIdentity::ExactKey;
+
 /// FNV-1a, written on its own over a text of bytes.
 std::uint64_t HashOfBytes(std::string_view bytes)
 {
@@ -36,7 +39,7 @@ std::string LittleEndianBytes(std::uint64_t word)
 
 std::size_t GeometricHashOf(double a, double b, double c, double d)
 {
-    return ZULMRSBSPPlaneIdentity::GeometricHash::OfEquation({a, b, c, d});
+    return ZULMRSBSPPlaneIdentity::GeometricKey::OfEquation({a, b, c, d});
 }
 }  // namespace
 
@@ -77,18 +80,30 @@ TEST(ZULMRSBSPHash, MembersAreCombinedByExclusiveOr)
 
 TEST(ZULMRSBSPHash, TheExactIdentityHashesTheFourCoefficients)
 {
-    const auto plane = ZULTest::Own(ZULMRSBSPPlaneNS::CreateCartesianPlane(1.0, -2.0, 0.5, 7.0));
-    EXPECT_EQ(ZULMRSBSPPlaneIdentity::ExactHash()(plane.get()),
-              ZULMRSBSPHash::OfDoubles(1.0, -2.0, 0.5, 7.0));
-    const auto same = ZULTest::Own(ZULMRSBSPPlaneNS::CreateCartesianPlane(1.0, -2.0, 0.5, 7.0));
-    const auto other = ZULTest::Own(ZULMRSBSPPlaneNS::CreateCartesianPlane(1.0, -2.0, 0.5, 7.5));
-    EXPECT_TRUE(ZULMRSBSPPlaneIdentity::ExactEqual()(plane.get(), same.get()));
-    EXPECT_FALSE(ZULMRSBSPPlaneIdentity::ExactEqual()(plane.get(), other.get()));
-    const auto zero = ZULTest::Own(ZULMRSBSPPlaneNS::CreateCartesianPlane(1.0, 0.0, 0.0, 0.0));
-    const auto minusZero = ZULTest::Own(ZULMRSBSPPlaneNS::CreateCartesianPlane(1.0, -0.0, 0.0, -0.0));
-    EXPECT_TRUE(ZULMRSBSPPlaneIdentity::ExactEqual()(zero.get(), minusZero.get()));
-    EXPECT_EQ(ZULMRSBSPPlaneIdentity::ExactHash()(zero.get()),
-              ZULMRSBSPPlaneIdentity::ExactHash()(minusZero.get()));
+    const ExactKey key({1.0, -2.0, 0.5, 7.0});
+    EXPECT_EQ(key.GetHash(), ZULMRSBSPHash::OfDoubles(1.0, -2.0, 0.5, 7.0));
+    EXPECT_TRUE(key.IsSame(ZULMRSBSPCartesianPlane({1.0, -2.0, 0.5, 7.0})));
+    EXPECT_FALSE(key.IsSame(ZULMRSBSPCartesianPlane({1.0, -2.0, 0.5, 7.5})));
+    const ExactKey zero({1.0, 0.0, 0.0, 0.0});
+    EXPECT_TRUE(zero.IsSame(ZULMRSBSPCartesianPlane({1.0, -0.0, 0.0, -0.0})));
+    EXPECT_TRUE(ExactKey({1.0, -0.0, 0.0, -0.0}).IsSame(ZULMRSBSPCartesianPlane({1.0, 0.0, 0.0, 0.0})));
+    EXPECT_EQ(zero.GetHash(), ExactKey({1.0, -0.0, 0.0, -0.0}).GetHash());
+}
+
+TEST(ZULMRSBSPHash, TheExactIdentityKnowsSmallAndInfiniteCoefficientsButNoNaN)
+{
+    const double inf = INFINITY;
+    const double tiny = 5e-324;
+    EXPECT_TRUE(ExactKey({1.0, tiny, inf, -inf}).IsSame(ZULMRSBSPCartesianPlane({1.0, tiny, inf, -inf})));
+    EXPECT_FALSE(ExactKey({1.0, tiny, 0.0, 0.0}).IsSame(ZULMRSBSPCartesianPlane({1.0, 0.0, 0.0, 0.0})));
+    EXPECT_FALSE(ExactKey({1.0, tiny, 0.0, 0.0}).IsSame(ZULMRSBSPCartesianPlane({1.0, -tiny, 0.0, 0.0})));
+    for (std::size_t i = 0; i < 4; ++i) {
+        for (const double nan : {double{NAN}, -double{NAN}, std::numeric_limits<double>::signaling_NaN()}) {
+            std::array<double, 4> equation{1.0, 2.0, 3.0, 4.0};
+            equation[i] = nan;
+            EXPECT_FALSE(ExactKey(equation).IsSame(ZULMRSBSPCartesianPlane(equation)));
+        }
+    }
 }
 
 TEST(ZULMRSBSPHash, TheGeometricIdentityHashesTheDirectionAlone)

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <mutex>
 #include <system_error>
 #include <thread>
@@ -68,4 +69,31 @@ TEST(ZULCriticalSection, ExcludesOtherThreads)
         thread.join();
     }
     EXPECT_EQ(counter, 80000);
+}
+
+TEST(ZULCriticalSection, WhoWaitsLongSleepsAndIsWoken)
+{
+    ZULCriticalSection section;
+    int nbServed = 0;
+    section.lock();
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 5; ++t) {
+        threads.emplace_back([&] {
+            for (int i = 0; i < 3; ++i) {
+                const std::lock_guard guard(section);
+                ++nbServed;
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            }
+        });
+    }
+    // Long beyond the time that a waiting thread stays on the processor.
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    EXPECT_EQ(nbServed, 0);
+    section.unlock();
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(nbServed, 15);
+    EXPECT_TRUE(section.try_lock());
+    section.unlock();
 }

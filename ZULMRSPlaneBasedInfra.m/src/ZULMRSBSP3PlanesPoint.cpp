@@ -3,17 +3,16 @@
 #include <algorithm>
 #include <atomic>
 #include <cstddef>
-#include <functional>
 #include <limits>
 #include <thread>
 #include <utility>
 
 #include "ZULExpFloatStatus.h"
 #include "ZULExpRounding.h"
-#include "ZULMRSBSPEquation.h"
 #include "ZULMRSBSPFilter.h"
 #include "ZULMRSBSPFormulas.h"
 #include "ZULMRSBSPIntegerForms.h"
+#include "ZULMRSBSPMeetingIntegers.h"
 #include "ZULMRSBSPPredicates.h"
 #include "ZULMRSBSPQuadrupleHolder.h"
 #include "ZULMRSBSPReport.h"
@@ -153,24 +152,19 @@ bool ZULMRSBSP3PlanesPoint::Init()
 /// Orients the triple, where all planes keep exact integers and meet in one point.
 bool ZULMRSBSP3PlanesPoint::InitByIntegers()
 {
-    using ZULMRSBSPIntegerForms::ToInputs;
-    const ZULMRSBSPIntegerForm* p = ZULMRSBSPDirectReads::ExactIntegers(m_Planes[0]);
-    const ZULMRSBSPIntegerForm* q = ZULMRSBSPDirectReads::ExactIntegers(m_Planes[1]);
-    const ZULMRSBSPIntegerForm* r = ZULMRSBSPDirectReads::ExactIntegers(m_Planes[2]);
-    if (p == nullptr || q == nullptr || r == nullptr) {
+    const ZULMRSBSPMeetingIntegers::Planes planes(*this);
+    if (!planes) {
         return false;
     }
-    auto meeting = ZULMRSBSPFormulas::MeetingPoint(ToInputs(*p), ToInputs(*q), ToInputs(*r));
-    const ZULMRSBSPSign w = meeting[3].Sign();
-    if (w.IsZero()) {
+    const ZULMRSBSPMeetingIntegers::Meeting meeting = planes.Meet();
+    if (meeting.m_W.IsZero()) {
         return false;
     }
-    m_IsExchanged = w.IsNegative();
+    m_IsExchanged = meeting.m_W.IsNegative();
     if (m_IsExchanged) {
         std::swap(m_Planes[1], m_Planes[2]);
-        std::transform(meeting.begin(), meeting.end(), meeting.begin(), std::negate<>());
     }
-    m_IntegerForm = ZULMRSBSPIntegerForms::FromExact(meeting);
+    m_IntegerForm = meeting.m_Form;
     m_RepresentationState = RepresentationState::Pending;
     return true;
 }

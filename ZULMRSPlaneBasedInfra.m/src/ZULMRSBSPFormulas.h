@@ -90,23 +90,34 @@ Quadruple<Number> PlaneThroughPoints(const Triple<Number>& p1, const Triple<Numb
     return PlaneAtPoint(CrossProduct(Difference(p2, p1), Difference(p3, p1)), p1);
 }
 
+/// The minors of two planes' equations (a, b, c, e = -d) in the columns bc, ca, ab, ae, be, ce. Degree 2.
+template <class Number>
+auto MeetingMinors(const Quadruple<Number>& q, const Quadruple<Number>& r)
+{
+    const Number qe = -q[3];
+    const Number re = -r[3];
+    return std::array{Determinant2x2(q[1], q[2], r[1], r[2]), Determinant2x2(q[2], q[0], r[2], r[0]),
+                      Determinant2x2(q[0], q[1], r[0], r[1]), Determinant2x2(q[0], qe, r[0], re),
+                      Determinant2x2(q[1], qe, r[1], re),     Determinant2x2(q[2], qe, r[2], re)};
+}
+
+/// The meeting point of a plane and the two planes that the minors belong to. Degree 1 in each.
+template <class Number, class Minor>
+auto MeetingPointOfMinors(const Quadruple<Number>& p, const std::array<Minor, 6>& minors)
+{
+    const auto& [bc, ca, ab, ae, be, ce] = minors;
+    const Number pe = -p[3];
+    return std::array{bc * pe + ce * p[1] - be * p[2], ca * pe - ce * p[0] + ae * p[2],
+                      be * p[0] - ae * p[1] + ab * pe, ExpandFirstRow(p[0], p[1], p[2], bc, ca, ab)};
+}
+
 /// The meeting point (X, Y, Z, W) of the planes p, q, r by Cramer's rule: W is the determinant of the
 /// normals, X, Y, Z the same with the column of a, b, c replaced by that of e = -d. Each determinant is
 /// expanded along its first row, from six minors of the two rows below it. Degree 3.
 template <class Number>
 auto MeetingPoint(const Quadruple<Number>& p, const Quadruple<Number>& q, const Quadruple<Number>& r)
 {
-    const Number pe = -p[3];
-    const Number qe = -q[3];
-    const Number re = -r[3];
-    const auto bc = Determinant2x2(q[1], q[2], r[1], r[2]);
-    const auto ca = Determinant2x2(q[2], q[0], r[2], r[0]);
-    const auto ab = Determinant2x2(q[0], q[1], r[0], r[1]);
-    const auto ae = Determinant2x2(q[0], qe, r[0], re);
-    const auto be = Determinant2x2(q[1], qe, r[1], re);
-    const auto ce = Determinant2x2(q[2], qe, r[2], re);
-    return std::array{bc * pe + ce * p[1] - be * p[2], ca * pe - ce * p[0] + ae * p[2],
-                      be * p[0] - ae * p[1] + ab * pe, ExpandFirstRow(p[0], p[1], p[2], bc, ca, ab)};
+    return MeetingPointOfMinors(p, MeetingMinors(q, r));
 }
 
 /// The determinant of B - A and D - C of the plane points A to D = (x0, x1) to (x6, x7). Degree 2.

@@ -8,6 +8,7 @@
 #include "ZULMRSBSPFilter.h"
 #include "ZULMRSBSPFormulas.h"
 #include "ZULMRSBSPIntegerForms.h"
+#include "ZULMRSBSPMeetingIntegers.h"
 #include "ZULMRSBSPShortInteger.h"
 #include "ZULMRSBSPSign.h"
 #include "ZULMRSBSPSignKernels.h"
@@ -41,18 +42,15 @@ inline ZULMRSBSPSign ExactByIntegers(const ZULMRSBSPPlane& plane, const ZULMRSBS
     if (!ZULMRSBSPDirectReads::Is3PlanesPoint(point)) {
         return ZULMRSBSPSign::Undecided();
     }
-    using ZULMRSBSPIntegerForms::ToInputs;
-    const ZULMRSBSPIntegerForm* p = ZULMRSBSPDirectReads::ExactIntegers(point.GetP1());
-    const ZULMRSBSPIntegerForm* q = ZULMRSBSPDirectReads::ExactIntegers(point.GetP2());
-    const ZULMRSBSPIntegerForm* r = ZULMRSBSPDirectReads::ExactIntegers(point.GetP3());
+    const ZULMRSBSPMeetingIntegers::Planes planes(point);
     const ZULMRSBSPIntegerForm* tested = ZULMRSBSPDirectReads::ExactIntegers(&plane);
-    if (p == nullptr || q == nullptr || r == nullptr || tested == nullptr) {
+    if (!planes || tested == nullptr) {
         return ZULMRSBSPSign::Undecided();
     }
-    const auto meeting = ZULMRSBSPFormulas::MeetingPoint(ToInputs(*p), ToInputs(*q), ToInputs(*r));
-    return ZULMRSBSPStages::Counted(
-        ZULMRSBSPStage::Exact,
-        meeting[3].Sign() * ZULMRSBSPFormulas::EquationAtHomogeneous(ToInputs(*tested), meeting).Sign());
+    const auto meeting = planes.MeetingPoint();
+    const auto value =
+        ZULMRSBSPFormulas::EquationAtHomogeneous(ZULMRSBSPIntegerForms::ToInputs(*tested), meeting);
+    return ZULMRSBSPStages::Counted(ZULMRSBSPStage::Exact, meeting[3].Sign() * value.Sign());
 }
 
 /// The one, then the other.

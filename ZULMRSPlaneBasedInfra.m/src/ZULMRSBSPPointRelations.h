@@ -5,13 +5,13 @@
 #include <array>
 #include <cstddef>
 #include <functional>
-#include <optional>
 
 #include "ZULMRSBSPCoordinateRecord.h"
 #include "ZULMRSBSPEquation.h"
 #include "ZULMRSBSPFilter.h"
 #include "ZULMRSBSPFormulas.h"
 #include "ZULMRSBSPIntegerForms.h"
+#include "ZULMRSBSPMeetingIntegers.h"
 #include "ZULMRSBSPOrientation.h"
 #include "ZULMRSBSPPlaneRelations.h"
 #include "ZULMRSBSPSign.h"
@@ -156,32 +156,20 @@ inline ZULMRSBSPSign DistanceInStages(const ZULMRSBSPPoint& p, const ZULMRSBSPPo
 
 //---------------------------------------------------------------- order
 
-/// The exact (X, Y, Z, W) of the meeting point of planes that keep exact integers, each times one factor.
-inline std::optional<std::array<ZULMRSBSPShortInteger<3>, 4>> ExactMeetingPoint(const ZULMRSBSPPoint& point)
-{
-    using ZULMRSBSPIntegerForms::ToInputs;
-    if (!ZULMRSBSPDirectReads::Is3PlanesPoint(point)) {
-        return std::nullopt;
-    }
-    const ZULMRSBSPIntegerForm* p = ZULMRSBSPDirectReads::ExactIntegers(point.GetP1());
-    const ZULMRSBSPIntegerForm* q = ZULMRSBSPDirectReads::ExactIntegers(point.GetP2());
-    const ZULMRSBSPIntegerForm* r = ZULMRSBSPDirectReads::ExactIntegers(point.GetP3());
-    if (p == nullptr || q == nullptr || r == nullptr) {
-        return std::nullopt;
-    }
-    return ZULMRSBSPFormulas::MeetingPoint(ToInputs(*p), ToInputs(*q), ToInputs(*r));
-}
-
 /// Of two coordinates, where neither W is zero.
 inline ZULMRSBSPSign ExactOrderByIntegers(const ZULMRSBSPPoint& p, const ZULMRSBSPPoint& q, std::size_t axis)
 {
-    const auto a = ExactMeetingPoint(p);
-    const auto b = ExactMeetingPoint(q);
-    if (!a || !b) {
+    if (!ZULMRSBSPDirectReads::Is3PlanesPoint(p) || !ZULMRSBSPDirectReads::Is3PlanesPoint(q)) {
         return ZULMRSBSPSign::Undecided();
     }
-    return (*a)[3].Sign() * (*b)[3].Sign() *
-           SignOfDifferenceOfProducts((*a)[axis], (*b)[3], (*a)[3], (*b)[axis]);
+    const ZULMRSBSPMeetingIntegers::Planes planesOfP(p);
+    const ZULMRSBSPMeetingIntegers::Planes planesOfQ(q);
+    if (!planesOfP || !planesOfQ) {
+        return ZULMRSBSPSign::Undecided();
+    }
+    const auto a = planesOfP.MeetingPoint();
+    const auto b = planesOfQ.MeetingPoint();
+    return a[3].Sign() * b[3].Sign() * SignOfDifferenceOfProducts(a[axis], b[3], a[3], b[axis]);
 }
 
 /// Positive where p comes after q. Needs no floating-point scope.

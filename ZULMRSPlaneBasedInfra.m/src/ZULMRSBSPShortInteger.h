@@ -56,6 +56,11 @@ public:
     }
 
     std::uint64_t GetLimb(std::size_t index) const { return m_Limbs[index]; }
+    /// As the compiler's integer of the same length.
+    __extension__ __int128 Value() const requires(Limbs == 2)
+    {
+        return static_cast<__int128>((UnsignedWide{m_Limbs[1]} << 64) | m_Limbs[0]);
+    }
 
     /// |this| |other|, least significant limb first.
     std::array<std::uint64_t, 2 * Limbs> ProductOfMagnitudes(const ZULMRSBSPShortInteger& other) const

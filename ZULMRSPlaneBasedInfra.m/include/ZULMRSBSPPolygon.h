@@ -14,6 +14,7 @@
 #include "ZULMRSErrorTypes.h"
 #include "ZULMRSPlaneBasedInfraExport.h"
 #include "ZULMathOBB.h"
+#include "ZULPooledObject.h"
 
 /// Caller data carried by a polygon and copied by value; the library never interprets it.
 struct ZULMRSBSPExtraAttribute {
@@ -29,7 +30,7 @@ struct ZULMRSBSPExtraAttribute {
 /// Release(). Only GetCachedPoint and UpdatePoints may run on one polygon from several threads at once;
 /// everything else that changes it needs exclusive access. Positions are not checked unless said. Open to
 /// derivation: a derived class sees every boundary through the virtual AddBoundary.
-class ZULMRSPlaneBasedInfra_API ZULMRSBSPPolygon
+class ZULMRSPlaneBasedInfra_API ZULMRSBSPPolygon : public ZULPooledObject
 {
 public:
     ZULMRSBSPPolygon();

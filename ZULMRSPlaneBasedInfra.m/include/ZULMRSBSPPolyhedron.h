@@ -20,6 +20,7 @@
 #include "ZULMathOBB.h"
 #include "ZULMathPoint.h"
 #include "ZULMathVector.h"
+#include "ZULPooledObject.h"
 
 class ZULMRSBSPObjectFactory;
 
@@ -28,7 +29,7 @@ class ZULMRSBSPObjectFactory;
 /// on each polygon and never stores a null one. Shared and reference counted, created with one owner,
 /// destroyed only by the last Release(). Not synchronised: one polyhedron must not change while another
 /// thread reads it. Positions are not checked. Open to derivation.
-class ZULMRSPlaneBasedInfra_API ZULMRSBSPPolyhedron
+class ZULMRSPlaneBasedInfra_API ZULMRSBSPPolyhedron : public ZULPooledObject
 {
 public:
     using Face = std::pair<ZULMRSBSPPolygon*, char>;

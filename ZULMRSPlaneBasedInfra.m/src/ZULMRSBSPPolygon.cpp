@@ -55,10 +55,15 @@ void EraseAt(std::vector<Value>& values, std::size_t position)
     }
 }
 
+/// The arrays are short: moving up one by one costs less than any call.
 template <class Value>
 void InsertAt(std::vector<Value>& values, std::size_t position, Value value)
 {
-    values.insert(values.begin() + static_cast<std::ptrdiff_t>(position), value);
+    values.push_back(value);
+    for (std::size_t i = values.size() - 1; i > position; --i) {
+        values[i] = values[i - 1];
+    }
+    values[position] = value;
 }
 
 template <class Object>

@@ -16,6 +16,9 @@ unsigned int ZULMRSBSPPolyhedron::m_GID = 1;
 
 namespace
 {
+/// A solid has four faces at least, most have some more.
+constexpr std::size_t NbPolygonsExpected = 8;
+
 void AddReferences(const std::vector<ZULMRSBSPPolygon*>& polygons)
 {
     for (ZULMRSBSPPolygon* polygon : polygons) {
@@ -107,6 +110,9 @@ void ZULMRSBSPPolyhedron::AddAPolygon(ZULMRSBSPPolygon* polygon, char orientatio
 {
     if (polygon == nullptr) {
         return;
+    }
+    if (m_Polygons.capacity() == 0) {
+        ReserveMore(NbPolygonsExpected);
     }
     m_Polygons.push_back(polygon);
     m_Orientations.push_back(orientation);

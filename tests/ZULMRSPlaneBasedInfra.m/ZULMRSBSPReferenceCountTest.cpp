@@ -24,6 +24,39 @@ PlaneStub* NewStub(Destroyed& destroyed)
     return plane;
 }
 
+// Stands first: no thread but this one has been started yet.
+TEST(ReferenceCount, HoldsFromBeforeTheFirstThreadToAfterTheLast)
+{
+    Destroyed destroyed;
+    PlaneStub* plane = NewStub(destroyed);
+    for (int i = 0; i < 1000; ++i) {
+        plane->AddRef();
+    }
+    for (int i = 0; i < 400; ++i) {
+        plane->Release();
+    }
+    EXPECT_EQ(plane->GetRefCount(), 600);
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 3; ++t) {
+        threads.emplace_back([plane] {
+            for (int i = 0; i < 200; ++i) {
+                plane->AddRef();
+                plane->Release();
+                plane->Release();
+            }
+        });
+        plane->AddRef();
+        plane->Release();
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(plane->GetRefCount(), 0);
+    EXPECT_TRUE(destroyed.empty());
+    plane->Release();
+    EXPECT_EQ(destroyed, Destroyed{plane});
+}
+
 TEST(ReferenceCount, StartsAtZeroAndDiesAtTheReleaseThatFindsZero)
 {
     Destroyed destroyed;

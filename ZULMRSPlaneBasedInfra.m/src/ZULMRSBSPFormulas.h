@@ -69,8 +69,8 @@ auto Determinant3x3(const Triple<Number>& p, const Triple<Number>& q, const Trip
 
 /// Minus the linear part of a plane at a point, -((b y + a x) + c z): the fourth coefficient of the plane
 /// through that point. Degree 2.
-template <class Number>
-Number OffsetThrough(const Triple<Number>& normal, const Triple<Number>& point)
+template <class Normal, class Coordinate>
+auto OffsetThrough(const Triple<Normal>& normal, const Triple<Coordinate>& point)
 {
     return -((normal[1] * point[1] + normal[0] * point[0]) + normal[2] * point[2]);
 }

@@ -9,6 +9,7 @@
 #include "ZULMRSBSPFormulas.h"
 #include "ZULMRSBSPIntegerForms.h"
 #include "ZULMRSBSPMeetingIntegers.h"
+#include "ZULMRSBSPPlaneRows.h"
 #include "ZULMRSBSPShortInteger.h"
 #include "ZULMRSBSPSign.h"
 #include "ZULMRSBSPSignKernels.h"
@@ -53,19 +54,39 @@ inline ZULMRSBSPSign ExactByIntegers(const ZULMRSBSPPlane& plane, const ZULMRSBS
     return ZULMRSBSPStages::Counted(ZULMRSBSPStage::Exact, meeting[3].Sign() * value.Sign());
 }
 
-/// The one, then the other.
+/// Exact from the numbers of all planes, of both kinds, which become integers for this question.
+[[gnu::noinline]] inline ZULMRSBSPSign ExactByRows(const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& point)
+{
+    return ZULMRSBSPDirectReads::Is3PlanesPoint(point)
+               ? ZULMRSBSPStages::Counted(ZULMRSBSPStage::Exact,
+                                          ZULMRSBSPPlaneRows::SideOfMeetingPoint(plane, point.GetPlanes()))
+               : ZULMRSBSPSign::Undecided();
+}
+
+/// What the integers tell, in rising cost.
 inline ZULMRSBSPSign SideByKeptIntegers(const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& point)
 {
-    const ZULMRSBSPSign sign = ByIntegers(plane, point);
-    return sign.IsDecided() ? sign : ExactByIntegers(plane, point);
+    return ZULMRSBSPStages::FirstDecided([&] { return ByIntegers(plane, point); },
+                                         [&] { return ExactByIntegers(plane, point); },
+                                         [&] { return ExactByRows(plane, point); });
+}
+
+[[gnu::noinline]] inline ZULMRSBSPSign ExactAtCoordinatesByRows(const ZULMRSBSPPlane& plane,
+                                                                const ZULMathPoint& point)
+{
+    return ZULMRSBSPStages::Counted(
+        ZULMRSBSPStage::Exact, ZULMRSBSPPlaneRows::SideOfCoordinates(plane, {point.x, point.y, point.z}));
 }
 
 inline ZULMRSBSPSign AtCoordinatesByIntegers(const ZULMRSBSPPlane& plane, const ZULMathPoint& point)
 {
     const ZULMRSBSPIntegerForm* p = ZULMRSBSPDirectReads::Integers(plane);
-    return p != nullptr
-               ? SideByIntegers(*p, ZULMRSBSPIntegerForms::OfCoordinates({point.x, point.y, point.z}))
-               : ZULMRSBSPSign::Undecided();
+    if (p == nullptr) {
+        return ZULMRSBSPSign::Undecided();
+    }
+    const ZULMRSBSPSign sign =
+        SideByIntegers(*p, ZULMRSBSPIntegerForms::OfCoordinates({point.x, point.y, point.z}));
+    return sign.IsDecided() ? sign : ExactAtCoordinatesByRows(plane, point);
 }
 
 //---------------------------------------------------------------- a point given by coordinates
@@ -231,24 +252,6 @@ inline ZULMRSBSPSign ExactByPlanes(const ZULMRSBSPPlane& plane, const ZULMRSBSPP
         [&] { return EvaluateAtMeetingPoint<ZULExpFloatRingExtensionTS>(plane, point); });
 }
 
-/// In integers of fixed length, where all planes are the library's Cartesian ones and their coefficients fit:
-/// exact, and cheaper than intervals.
-inline ZULMRSBSPSign ShortExactByPlanes(const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& point)
-{
-    constexpr auto coords = ZULMRSBSPDirectReads::Coords;
-    const std::array<const std::array<double, 4>*, 4> rows = {coords(*point.GetP1()), coords(*point.GetP2()),
-                                                              coords(*point.GetP3()), coords(plane)};
-    ZULMRSBSPShortIntegers::Equations equations;
-    if (!ZULMRSBSPDirectReads::Is3PlanesPoint(point) ||
-        std::find(rows.begin(), rows.end(), nullptr) != rows.end() || !equations.Convert(rows)) {
-        return ZULMRSBSPSign::Undecided();
-    }
-    const auto meeting = ZULMRSBSPFormulas::MeetingPoint(equations[0], equations[1], equations[2]);
-    return ZULMRSBSPStages::Counted(
-        ZULMRSBSPStage::Exact,
-        meeting[3].Sign() * ZULMRSBSPFormulas::EquationAtHomogeneous(equations[3], meeting).Sign());
-}
-
 /// The stages after the filtered representation. A cheap stage on the planes sees nothing that the same stage
 /// on a usable representation has not seen, so it runs only where there was none.
 [[gnu::noinline]] inline ZULMRSBSPSign DecideCarefully(const ZULMRSBSPPlane& plane,
@@ -256,10 +259,6 @@ inline ZULMRSBSPSign ShortExactByPlanes(const ZULMRSBSPPlane& plane, const ZULMR
 {
     if (point.GetP1() == nullptr || point.GetP2() == nullptr || point.GetP3() == nullptr) {
         return ZULMRSBSPSign::Undecided();
-    }
-    const ZULMRSBSPSign byIntegers = ShortExactByPlanes(plane, point);
-    if (byIntegers.IsDecided()) {
-        return byIntegers;
     }
     const RepresentationVerdict interval = IntervalByRepresentation(plane, point);
     if (interval.m_Sign.IsDecided()) {

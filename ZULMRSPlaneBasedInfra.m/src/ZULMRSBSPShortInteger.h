@@ -136,6 +136,38 @@ private:
     std::array<std::uint64_t, Limbs> m_Limbs{};
 };
 
+/// The product of two integers of more than one limb each.
+template <std::size_t Limbs, std::size_t Others>
+ZULMRSBSPShortInteger<Limbs + Others> operator*(const ZULMRSBSPShortInteger<Limbs>& x,
+                                                const ZULMRSBSPShortInteger<Others>& y) requires(Limbs > 1 &&
+                                                                                                 Others > 1)
+{
+    // As if without signs; a negative factor then counts for 2^64 to its length too much, times the other
+    // one.
+    __extension__ using UnsignedWide = unsigned __int128;
+    std::array<std::uint64_t, Limbs + Others> product{};
+    for (std::size_t i = 0; i < Limbs; ++i) {
+        UnsignedWide carry = 0;
+        for (std::size_t j = 0; j < Others; ++j) {
+            carry += UnsignedWide{x.GetLimb(i)} * y.GetLimb(j) + product[i + j];
+            product[i + j] = static_cast<std::uint64_t>(carry);
+            carry >>= 64;
+        }
+        product[i + Others] = static_cast<std::uint64_t>(carry);
+    }
+    std::array<std::uint64_t, Limbs + Others> tooMuch{};
+    const std::uint64_t signOfX = 0 - (x.GetLimb(Limbs - 1) >> 63);
+    const std::uint64_t signOfY = 0 - (y.GetLimb(Others - 1) >> 63);
+    UnsignedWide carry = 0;
+    for (std::size_t i = 0; i < Limbs + Others; ++i) {
+        carry += i >= Limbs ? y.GetLimb(i - Limbs) & signOfX : 0;
+        carry += i >= Others ? x.GetLimb(i - Others) & signOfY : 0;
+        tooMuch[i] = static_cast<std::uint64_t>(carry);
+        carry >>= 64;
+    }
+    return ZULMRSBSPShortInteger<Limbs + Others>(product) - ZULMRSBSPShortInteger<Limbs + Others>(tooMuch);
+}
+
 /// The sign of a b - c d.
 template <std::size_t Limbs>
 ZULMRSBSPSign SignOfDifferenceOfProducts(const ZULMRSBSPShortInteger<Limbs>& a,
@@ -166,8 +198,10 @@ constexpr int InputBits = 62;
 
 // Signs and exponents of input cannot be foreseen, so nothing here branches on them.
 
-/// A double taken apart: mantissa times 2^exponent, up to one common offset of all exponents.
+/// A double taken apart: mantissa times 2^(exponent - Offset).
 struct Parts {
+    static constexpr int Offset = 1023 + 52;
+
     std::uint64_t m_Mantissa;
     std::uint64_t m_SignMask;  ///< all bits for a negative number, else none
     int m_Exponent;
@@ -204,16 +238,6 @@ struct Range {
         m_High = std::max(m_High, isZero ? -Nowhere : high);
     }
 };
-
-/// The number divided by 2^scale; it must be an integer of InputBits bits.
-inline Input ToInteger(const Parts& parts, int scale)
-{
-    // Left as far as an input goes, then right past the places that are not wanted, which hold zeros.
-    constexpr int room = InputBits - 53;
-    const auto places = static_cast<unsigned int>(room - (parts.m_Exponent - scale)) % 64U;
-    const std::uint64_t magnitude = (parts.m_Mantissa << room) >> places;
-    return Input({(magnitude ^ parts.m_SignMask) - parts.m_SignMask});
-}
 
 /// Numbers as integers of one scale, cut off where they do not fit.
 template <std::size_t Size>
@@ -269,67 +293,6 @@ std::array<Input, Size> ToInputs(const std::array<std::int64_t, Size>& values)
     }
     return inputs;
 }
-
-/// Four plane equations, each with a scale of its own, and one more scale for all offsets. False when they do
-/// not fit.
-class Equations
-{
-public:
-    bool Convert(const std::array<const std::array<double, 4>*, 4>& equations)
-    {
-        return TakeAllApart(equations) && ChooseOffsetScale() && ConvertRows();
-    }
-    const std::array<Input, 4>& operator[](std::size_t row) const { return m_Integers[row]; }
-
-private:
-    bool TakeAllApart(const std::array<const std::array<double, 4>*, 4>& equations)
-    {
-        for (std::size_t row = 0; row < 4; ++row) {
-            for (std::size_t i = 0; i < 4; ++i) {
-                if (!TakeApart((*equations[row])[i], m_Parts[row][i])) {
-                    return false;
-                }
-                (i < 3 ? m_Normals[row] : m_Offsets[row]).Include(m_Parts[row][i]);
-            }
-        }
-        return true;
-    }
-
-    // A row's scale r must satisfy high - InputBits <= r <= low for its normal, and r + s the same for its
-    // offset. Some r does exactly when s lies between the bounds below.
-    bool ChooseOffsetScale()
-    {
-        int lowest = -Range::Nowhere;
-        int highest = Range::Nowhere;
-        for (std::size_t row = 0; row < 4; ++row) {
-            lowest = std::max(lowest, m_Offsets[row].m_High - m_Normals[row].m_Low - InputBits);
-            highest = std::min(highest, m_Offsets[row].m_Low - m_Normals[row].m_High + InputBits);
-        }
-        m_OffsetScale = std::clamp(0, std::min(lowest, highest), highest);
-        return lowest <= highest;
-    }
-
-    bool ConvertRows()
-    {
-        for (std::size_t row = 0; row < 4; ++row) {
-            const int scale = std::min(m_Normals[row].m_Low, m_Offsets[row].m_Low - m_OffsetScale);
-            if (m_Normals[row].m_High - scale > InputBits ||
-                m_Offsets[row].m_High - m_OffsetScale - scale > InputBits) {
-                return false;
-            }
-            for (std::size_t i = 0; i < 4; ++i) {
-                m_Integers[row][i] = ToInteger(m_Parts[row][i], i < 3 ? scale : scale + m_OffsetScale);
-            }
-        }
-        return true;
-    }
-
-    std::array<std::array<Parts, 4>, 4> m_Parts;
-    std::array<Range, 4> m_Normals;
-    std::array<Range, 4> m_Offsets;
-    int m_OffsetScale = 0;
-    std::array<std::array<Input, 4>, 4> m_Integers;
-};
 }  // namespace ZULMRSBSPShortIntegers
 
 #endif

@@ -339,7 +339,7 @@ TEST(ZULMRSBSPPredicatesAllocation, EveryStageOfPlanesAndPoints)
             const ZULExpFloatScope scope;
             ZULMRSBSPOrientation::ByIntegers(s.Plane(3), s.Point(0));
             ZULMRSBSPOrientation::ExactByIntegers(s.Plane(3), s.Point(0));
-            ZULMRSBSPOrientation::ShortExactByPlanes(s.Plane(3), s.Point(0));
+            ZULMRSBSPOrientation::ExactByRows(s.Plane(3), s.Point(0));
             ZULMRSBSPOrientation::FilterByRepresentation(s.Plane(3), s.Point(0));
             ZULMRSBSPOrientation::IntervalByRepresentation(s.Plane(3), s.Point(0));
         };

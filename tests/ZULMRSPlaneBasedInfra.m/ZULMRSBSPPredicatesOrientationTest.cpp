@@ -101,7 +101,7 @@ TEST(ZULMRSBSPPredicatesOrientation, EveryStageIsRightWhereItDecides)
                 ASSERT_TRUE(isRight(FilterByRepresentation(plane, point).m_Sign, expected));
                 ASSERT_TRUE(isRight(IntervalByRepresentation(plane, point).m_Sign, expected));
                 ASSERT_TRUE(isRight(FilterByPlanes(plane, point), expected));
-                ASSERT_TRUE(isRight(ShortExactByPlanes(plane, point), expected));
+                ASSERT_TRUE(isRight(ExactByRows(plane, point), expected));
                 ASSERT_TRUE(isRight(IntervalByPlanes(plane, point), expected));
                 ASSERT_EQ(ExactByPlanes(plane, point).ToKernelResult(), expected);
             });
@@ -111,6 +111,7 @@ TEST(ZULMRSBSPPredicatesOrientation, EveryStageIsRightWhereItDecides)
                 const int expected = DyadicSide(plane.m_Exact, p);
                 const ZULExpFloatScope scope;
                 ASSERT_TRUE(isRight(FilterAtCoordinates(*plane.m_Plane, ToMathPoint(p)), expected));
+                ASSERT_TRUE(isRight(ExactAtCoordinatesByRows(*plane.m_Plane, ToMathPoint(p)), expected));
                 ASSERT_TRUE(isRight(IntervalAtCoordinates(*plane.m_Plane, ToMathPoint(p)), expected));
                 ASSERT_EQ(ExactAtCoordinates(*plane.m_Plane, ToMathPoint(p)).ToKernelResult(), expected);
             }

@@ -231,29 +231,6 @@ TEST(ZULMRSBSPPredicatesStages, InputThatIsNotFiniteLeavesTheExactStageOpenWhere
 
 //---------------------------------------------------------------- stages of the predicates on objects
 
-TEST(ZULMRSBSPPredicatesStages, EquationsThatFitAreDecidedInShortIntegers)
-{
-    using ZULMRSBSPOrientation::ShortExactByPlanes;
-    // Normals of length one and offsets of any common size: the offsets have a scale of their own.
-    for (const double size : {1e-300, 1e-9, 1.0, 1e9, 1e300}) {
-        const auto point = Meeting(Cartesian(0.6, 0.8, 0, -37.5 * size), Cartesian(0, 0, 1, -0.3 * size),
-                                   Cartesian(-0.8, 0.6, 0, -12.1 * size));
-        EXPECT_TRUE(ShortExactByPlanes(*Cartesian(0, 0, 2, -0.6 * size), *point).IsZero()) << size;
-        EXPECT_TRUE(ShortExactByPlanes(*Cartesian(0, 0, 0x1p-40, 0x1p-44 * size), *point).IsPositive())
-            << size;
-    }
-    const auto corner = Meeting(Cartesian(1, 0, 0, -1), Cartesian(0, 1, 0, -1), Cartesian(0, 0, 1, -1));
-    EXPECT_TRUE(ShortExactByPlanes(*Cartesian(1, 1, 1, 0), *corner).IsPositive());
-    EXPECT_TRUE(ShortExactByPlanes(*Cartesian(0, 0, 0, -1), *corner).IsNegative());
-    EXPECT_FALSE(ShortExactByPlanes(*Cartesian(1, 0x1p-62, 0, 0), *corner).IsDecided());
-    EXPECT_TRUE(ShortExactByPlanes(*Cartesian(1, 0, 0, 0x1p-120), *corner).IsPositive());
-    EXPECT_FALSE(ShortExactByPlanes(*Cartesian(1, 0, 0, 0x1p-124), *corner).IsDecided());
-    // Only for the library's own Cartesian planes.
-    const auto flat =
-        Own<ZULMRSBSPPlane>(new ZULMRSBSP3PointsPlane({Point3{0, 0, 0}, Point3{1, 0, 0}, Point3{0, 1, 0}}));
-    EXPECT_FALSE(ShortExactByPlanes(*flat, *corner).IsDecided());
-}
-
 Stage SideDecidedBy(const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& point)
 {
     using namespace ZULMRSBSPOrientation;
@@ -320,7 +297,7 @@ TEST(ZULMRSBSPPredicatesStages, CheapStagesNeverAllocateForCartesianPlanes)
                 FilterByRepresentation(plane, *point);
                 IntervalByRepresentation(plane, *point);
                 FilterByPlanes(plane, *point);
-                ShortExactByPlanes(plane, *point);
+                ExactByRows(plane, *point);
                 IntervalByPlanes(plane, *point);
                 FilterAtCoordinates(plane, coordinates);
                 IntervalAtCoordinates(plane, coordinates);

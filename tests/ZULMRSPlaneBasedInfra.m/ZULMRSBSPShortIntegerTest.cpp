@@ -103,6 +103,19 @@ TEST(ZULMRSBSPShortInteger, ThePolynomialsAreExactAtEverySizeOfInput)
     }
 }
 
+TEST(ZULMRSBSPShortInteger, ProductsOfLongOnes)
+{
+    Random random(61'004);
+    for (int n = 0; n < Cases; ++n) {
+        const BigInteger x = AnyBig(random, 127);
+        const BigInteger y = AnyBig(random, 191);
+        ASSERT_EQ(ToBig(ToShort<2>(x) * ToShort<3>(y)), x * y);
+        ASSERT_EQ(ToBig(ToShort<3>(y) * ToShort<2>(x)), x * y);
+        ASSERT_EQ(ToBig(ToShort<2>(x) * ToShort<2>(x)), x * x);
+        ASSERT_EQ(ToBig(ToShort<3>(y) * ToShort<3>(-y)), -(y * y));
+    }
+}
+
 TEST(ZULMRSBSPShortInteger, ProductsOfMagnitudes)
 {
     Random random(61'002);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <bit>
+#include <cstdint>
 #include <mutex>
 #include <new>
 #include <type_traits>
@@ -20,20 +22,14 @@ namespace
 {
 constexpr std::size_t NbSizes = ZULBlockPool::LargestSize / ZULBlockPool::Granularity;
 constexpr std::size_t ChunkSize = std::size_t{1} << 16;
+constexpr std::size_t NbChunksOfRegion = 16;
 constexpr std::size_t CacheLine = 64;
 
-/// A block that nobody uses.
+/// A block that nobody uses, in a chain.
 struct Block {
     Block* m_Next;
-    /// The next batch, in the first block of one that lies in a depot.
-    Block* m_NextBatch;
 };
 static_assert(sizeof(Block) <= ZULBlockPool::Granularity);
-
-/// The head of a chunk; blocks of one size follow.
-struct alignas(CacheLine) Chunk {
-    Chunk* m_Next;
-};
 
 constexpr std::size_t IndexOf(std::size_t size)
 {
@@ -50,68 +46,139 @@ constexpr std::size_t BatchOf(std::size_t index)
     return std::clamp<std::size_t>(bytes / SizeOf(index), 8, 64);
 }
 
+/// A piece of memory at a multiple of its size, of which one bit tells for each block whether it is here to
+/// be taken. So blocks are taken in the order of their addresses, in whatever order they came back: memory is
+/// walked through, not jumped about in.
+class Chunk
+{
+public:
+    explicit Chunk(std::size_t index) : m_Index(index), m_NbHere((ChunkSize - sizeof(Chunk)) / SizeOf(index))
+    {
+        for (std::size_t i = 0; i < m_NbHere; ++i) {
+            m_IsHere[i / 64] |= std::uint64_t{1} << (i % 64);
+        }
+    }
+    static Chunk* Of(void* block)
+    {
+        const auto address = reinterpret_cast<std::uintptr_t>(block);
+        return reinterpret_cast<Chunk*>(address - address % ChunkSize);
+    }
+
+    bool IsEmpty() const { return m_NbHere == 0; }
+
+    void Put(void* block)
+    {
+        // Exact for all offsets in a chunk: sizes are at least 2^4 and offsets below 2^16.
+        const auto offset = static_cast<std::size_t>(static_cast<char*>(block) - GetBlocks());
+        const std::size_t i = offset / ZULBlockPool::Granularity * m_Inverse >> 32;
+        m_IsHere[i / 64] |= std::uint64_t{1} << (i % 64);
+        m_FirstWord = std::min(m_FirstWord, i / 64);
+        ++m_NbHere;
+    }
+    /// Not from an empty chunk.
+    void* Take()
+    {
+        while (m_IsHere[m_FirstWord] == 0) {
+            ++m_FirstWord;
+        }
+        std::uint64_t& word = m_IsHere[m_FirstWord];
+        const std::size_t i = 64 * m_FirstWord + static_cast<std::size_t>(std::countr_zero(word));
+        word &= word - 1;
+        --m_NbHere;
+        return GetBlocks() + i * SizeOf(m_Index);
+    }
+
+    bool Contains(const void* block) const
+    {
+        const auto* begin = reinterpret_cast<const char*>(this);
+        return block >= begin && block < begin + ChunkSize;
+    }
+
+    Chunk* m_Next = nullptr;       ///< in the depot's queue
+    Chunk* m_NextOfAll = nullptr;  ///< in the depot's list of all
+
+private:
+    char* GetBlocks() { return reinterpret_cast<char*>(this + 1); }
+
+    std::size_t m_Index;
+    std::size_t m_Inverse = ((std::size_t{1} << 32) + m_Index) / (m_Index + 1);
+    std::size_t m_NbHere;
+    std::size_t m_FirstWord = 0;
+    alignas(CacheLine) std::array<std::uint64_t, ChunkSize / ZULBlockPool::Granularity / 64> m_IsHere{};
+};
+static_assert(sizeof(Chunk) % CacheLine == 0);
+
 //---------------------------------------------------------------- shared by all threads
 
-/// The blocks of one size that no thread has: whole batches, single ones, and those that no one has had yet.
+/// Where chunks come from; they stay with the process.
+class Regions
+{
+public:
+    /// Null when memory is exhausted.
+    void* TakeChunk()
+    {
+        const std::lock_guard lock(m_Mutex);
+        if (m_Fresh == m_End) {
+            constexpr std::size_t size = NbChunksOfRegion * ChunkSize;
+            m_Fresh = static_cast<char*>(::operator new (size, std::align_val_t{ChunkSize}, std::nothrow));
+            m_End = m_Fresh != nullptr ? m_Fresh + size : nullptr;
+        }
+        void* const chunk = m_Fresh;
+        m_Fresh += m_Fresh != nullptr ? ChunkSize : 0;
+        return chunk;
+    }
+
+private:
+    std::mutex m_Mutex;
+    char* m_Fresh = nullptr;
+    char* m_End = nullptr;
+};
+static_assert(std::is_trivially_destructible_v<Regions>, "objects may outlive all static ones");
+
+constinit Regions g_Regions;
+
+/// The blocks of one size that no thread has.
 class alignas(CacheLine) Depot
 {
 public:
     /// A chain of blocks; nb is how many are wanted, then how many there are. Null when memory is exhausted.
     Block* Take(std::size_t index, std::size_t& nb)
     {
+        const std::lock_guard lock(m_Mutex);
         Block* chain = nullptr;
-        {
-            const std::lock_guard lock(m_Mutex);
-            if (m_Batches != nullptr) {
-                chain = m_Batches;
-                m_Batches = chain->m_NextBatch;
-                nb = BatchOf(index);
-                return chain;
+        Block** end = &chain;
+        std::size_t count = 0;
+        for (; count < nb && (m_First != nullptr || AddChunk(index)); ++count) {
+            Block* const block = new (m_First->Take()) Block{nullptr};
+            *end = block;
+            end = &block->m_Next;
+            if (m_First->IsEmpty()) {
+                m_First = m_First->m_Next;
             }
-            if (m_Singles != nullptr) {
-                return TakeSingles(nb);
-            }
-            if (m_Fresh == m_End && !AddChunk(index)) {
-                nb = 0;
-                return nullptr;
-            }
-            nb = std::min(nb, static_cast<std::size_t>(m_End - m_Fresh) / SizeOf(index));
-            chain = reinterpret_cast<Block*>(m_Fresh);
-            m_Fresh += nb * SizeOf(index);
         }
-        Link(chain, nb, SizeOf(index));
+        nb = count;
         return chain;
     }
 
-    void PutBatch(Block* batch)
+    void Put(Block* chain)
     {
         const std::lock_guard lock(m_Mutex);
-        batch->m_NextBatch = m_Batches;
-        m_Batches = batch;
-    }
-
-    /// One by one, however many there are.
-    void PutSingles(Block* chain)
-    {
-        if (chain == nullptr) {
-            return;
+        while (chain != nullptr) {
+            Chunk* const chunk = Chunk::Of(chain);
+            Block* const next = chain->m_Next;
+            if (chunk->IsEmpty()) {
+                Append(chunk);
+            }
+            chunk->Put(chain);
+            chain = next;
         }
-        Block* last = chain;
-        while (last->m_Next != nullptr) {
-            last = last->m_Next;
-        }
-        const std::lock_guard lock(m_Mutex);
-        last->m_Next = m_Singles;
-        m_Singles = chain;
     }
 
     bool Contains(const void* block)
     {
         const std::lock_guard lock(m_Mutex);
-        const auto* place = static_cast<const char*>(block);
-        for (const Chunk* chunk = m_Chunks; chunk != nullptr; chunk = chunk->m_Next) {
-            const auto* begin = reinterpret_cast<const char*>(chunk);
-            if (place >= begin && place < begin + ChunkSize) {
+        for (const Chunk* chunk = m_All; chunk != nullptr; chunk = chunk->m_NextOfAll) {
+            if (chunk->Contains(block)) {
                 return true;
             }
         }
@@ -119,47 +186,30 @@ public:
     }
 
 private:
-    Block* TakeSingles(std::size_t& nb)
+    /// Last in the queue: it has time to fill before it is taken from.
+    void Append(Chunk* chunk)
     {
-        Block* const chain = m_Singles;
-        Block* last = chain;
-        std::size_t count = 1;
-        for (; count < nb && last->m_Next != nullptr; ++count) {
-            last = last->m_Next;
-        }
-        m_Singles = last->m_Next;
-        last->m_Next = nullptr;
-        nb = count;
-        return chain;
+        chunk->m_Next = nullptr;
+        (m_First == nullptr ? m_First : m_Last->m_Next) = chunk;
+        m_Last = chunk;
     }
-
     bool AddChunk(std::size_t index)
     {
-        void* const memory = ::operator new (ChunkSize, std::align_val_t{alignof(Chunk)}, std::nothrow);
+        void* const memory = g_Regions.TakeChunk();
         if (memory == nullptr) {
             return false;
         }
-        m_Chunks = new (memory) Chunk{m_Chunks};
-        m_Fresh = static_cast<char*>(memory) + sizeof(Chunk);
-        m_End = m_Fresh + (ChunkSize - sizeof(Chunk)) / SizeOf(index) * SizeOf(index);
+        auto* const chunk = new (memory) Chunk(index);
+        chunk->m_NextOfAll = m_All;
+        m_All = chunk;
+        Append(chunk);
         return true;
     }
 
-    static void Link(Block* chain, std::size_t nb, std::size_t size)
-    {
-        auto* place = reinterpret_cast<char*>(chain);
-        for (std::size_t i = 0; i + 1 < nb; ++i, place += size) {
-            new (place) Block{reinterpret_cast<Block*>(place + size), nullptr};
-        }
-        new (place) Block{nullptr, nullptr};
-    }
-
     std::mutex m_Mutex;
-    Block* m_Batches = nullptr;
-    Block* m_Singles = nullptr;
-    char* m_Fresh = nullptr;
-    char* m_End = nullptr;
-    Chunk* m_Chunks = nullptr;
+    Chunk* m_First = nullptr;  ///< of those that are not empty
+    Chunk* m_Last = nullptr;
+    Chunk* m_All = nullptr;
 };
 static_assert(std::is_trivially_destructible_v<Depot>, "objects may outlive all static ones");
 
@@ -209,10 +259,11 @@ public:
         t_IsEnding = true;
         t_Lists = &g_NoLists;
         for (std::size_t i = 0; i < NbSizes; ++i) {
-            if (t_OwnLists[i].m_Spare != nullptr) {
-                g_Depots[i].PutBatch(t_OwnLists[i].m_Spare);
+            for (Block* const chain : {t_OwnLists[i].m_Spare, t_OwnLists[i].m_Head}) {
+                if (chain != nullptr) {
+                    g_Depots[i].Put(chain);
+                }
             }
-            g_Depots[i].PutSingles(t_OwnLists[i].m_Head);
         }
     }
 };
@@ -234,28 +285,23 @@ Lists* GetLists()
     return t_Lists;
 }
 
+/// Takes a block and has the next one fetched, which may lie anywhere.
 Block* Pop(List& list)
 {
     Block* const block = list.m_Head;
     list.m_Head = block->m_Next;
     ++list.m_Room;
+    const auto* next = reinterpret_cast<const char*>(list.m_Head);
+    __builtin_prefetch(next, 1);
+    __builtin_prefetch(next + CacheLine, 1);
+    __builtin_prefetch(next + 2 * CacheLine, 1);
     return block;
 }
 
 void Push(List& list, void* memory)
 {
-    list.m_Head = new (memory) Block{list.m_Head, nullptr};
+    list.m_Head = new (memory) Block{list.m_Head};
     --list.m_Room;
-}
-
-Block* TakeOne(std::size_t index)
-{
-    std::size_t nb = 1;
-    Block* const block = g_Depots[index].Take(index, nb);
-    if (nb > 1) {
-        g_Depots[index].PutSingles(block->m_Next);
-    }
-    return block;
 }
 
 [[gnu::noinline]] void* AllocateOtherwise(std::size_t size)
@@ -266,7 +312,8 @@ Block* TakeOne(std::size_t index)
     }
     Lists* const lists = GetLists();
     if (lists == nullptr) {
-        return TakeOne(index);
+        std::size_t one = 1;
+        return g_Depots[index].Take(index, one);
     }
     List& list = (*lists)[index];
     if (list.m_Spare != nullptr) {
@@ -291,13 +338,13 @@ Block* TakeOne(std::size_t index)
     }
     Lists* const lists = GetLists();
     if (lists == nullptr) {
-        g_Depots[index].PutSingles(new (memory) Block{nullptr, nullptr});
+        g_Depots[index].Put(new (memory) Block{nullptr});
         return;
     }
     List& list = (*lists)[index];
     if (list.m_Room == 0) {
         if (list.m_Spare != nullptr) {
-            g_Depots[index].PutBatch(list.m_Spare);
+            g_Depots[index].Put(list.m_Spare);
         }
         list = {nullptr, list.m_Head, BatchOf(index)};
     }

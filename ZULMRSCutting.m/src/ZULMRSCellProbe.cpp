@@ -1,82 +1,66 @@
 #include "ZULMRSCellProbe.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
+#include <span>
 #include <utility>
 
 namespace
 {
-/// Heights below this part of the terms they are summed from count as none.
+/// Heights below this part of the greatest terms that a sum for the cell may have count as none.
 constexpr double Tolerance = 1e-11;
 }  // namespace
 
-void ZULMRSCellProbe::Sort(const ZULMRSBSPPolyhedron& cell, std::vector<ZULMRSToolBound>& bounds)
+void ZULMRSCellProbe::Sort(const ZULMRSCell& cell, const ZULMRSCellOutline& outline, ZULMRSVertexTable& table,
+                           std::vector<const ZULMRSToolBound*>& bounds)
 {
-    Sketch(cell);
+    Sketch(cell, outline, table);
     for (std::size_t position = 0; position < bounds.size(); ++position) {
-        if (!Clip(bounds[position], position)) {
+        if (!Clip(*bounds[position], position)) {
             return;
         }
     }
-    std::vector<bool> isBounding(bounds.size(), false);
+    m_IsBounding.assign(bounds.size(), 0);
     for (std::size_t index = 0; index < m_NbLoops; ++index) {
         if (m_Loops[index].m_Bound != NoBound) {
-            isBounding[m_Loops[index].m_Bound] = true;
+            m_IsBounding[m_Loops[index].m_Bound] = 1;
         }
     }
-    const ZULMRSToolBound* first = bounds.data();
-    std::vector<ZULMRSToolBound> sorted;
-    sorted.reserve(bounds.size());
+    m_Sorted.clear();
     for (const bool wanted : {true, false}) {
-        std::copy_if(bounds.begin(), bounds.end(), std::back_inserter(sorted),
-                     [&](const ZULMRSToolBound& bound) {
-                         return isBounding[static_cast<std::size_t>(&bound - first)] == wanted;
-                     });
+        for (std::size_t position = 0; position < bounds.size(); ++position) {
+            if ((m_IsBounding[position] != 0) == wanted) {
+                m_Sorted.push_back(bounds[position]);
+            }
+        }
     }
-    bounds.swap(sorted);
+    bounds.swap(m_Sorted);
 }
 
-void ZULMRSCellProbe::Sketch(const ZULMRSBSPPolyhedron& cell)
+void ZULMRSCellProbe::Sketch(const ZULMRSCell& cell, const ZULMRSCellOutline& outline,
+                             ZULMRSVertexTable& table)
 {
-    std::size_t nbCorners = 0;
-    for (const ZULMRSBSPPolygon* polygon : cell.GetPolygons()) {
-        nbCorners += polygon->GetNbPoints();
-    }
-    if (m_Slots.size() < 2 * nbCorners) {
-        m_Slots.assign(std::bit_ceil(2 * nbCorners), {});
-    }
-    ++m_Generation;
     m_Vertices.clear();
-    m_NbClipped = 0;
-    for (std::size_t index = 0; index < cell.GetNbPolygons(); ++index) {
+    m_Live.clear();
+    m_Farthest = {};
+    for (const Index vertex : outline.GetVertices()) {
+        m_Live.push_back(static_cast<Index>(m_Vertices.size()));
+        const std::array<double, 3>& at = m_Vertices.emplace_back(table.PlaceOf(vertex).m_At);
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            m_Farthest[axis] = std::max(m_Farthest[axis], std::fabs(at[axis]));
+        }
+    }
+    m_NbLoops = 0;
+    for (std::size_t face = 0; face < cell.GetNbPolygons(); ++face) {
+        const std::span<const Index> corners = outline.GetLoop(face);
         Loop& loop = NextLoop(NoBound);
-        for (const ZULMRSBSPPoint* point : cell.GetPolygon(index)->GetPoints()) {
-            loop.m_Corners.push_back(VertexOf(point));
-        }
         // Positive seen from outside.
-        if (cell.GetPolygonOrientation(index) < 0) {
-            std::reverse(loop.m_Corners.begin(), loop.m_Corners.end());
+        if (cell.GetPolygonOrientation(face) < 0) {
+            loop.m_Corners.assign(corners.rbegin(), corners.rend());
+        } else {
+            loop.m_Corners.assign(corners.begin(), corners.end());
         }
     }
-    std::swap(m_Loops, m_Clipped);
-    m_NbLoops = m_NbClipped;
-}
-
-ZULMRSCellProbe::Index ZULMRSCellProbe::VertexOf(const ZULMRSBSPPoint* point)
-{
-    const std::size_t mask = m_Slots.size() - 1;
-    std::size_t position =
-        (reinterpret_cast<std::uintptr_t>(point) >> 4) * 0x9E3779B97F4A7C15ULL >> 40 & mask;
-    while (m_Slots[position].m_Generation == m_Generation && m_Slots[position].m_Point != point) {
-        position = (position + 1) & mask;
-    }
-    Slot& slot = m_Slots[position];
-    if (slot.m_Generation != m_Generation) {
-        slot = {point, m_Generation, static_cast<Index>(m_Vertices.size())};
-        m_Vertices.push_back(point->GetApproximatedXYZ());
-    }
-    return slot.m_Vertex;
 }
 
 /// Keeps the part behind the plane; false when nothing with an inside seems to be left.
@@ -89,15 +73,17 @@ bool ZULMRSCellProbe::Clip(const ZULMRSToolBound& bound, std::size_t position)
     if (!isCut) {
         return true;
     }
-    m_NbClipped = 0;
     m_CutVertices.clear();
     m_WallEdges.clear();
+    std::size_t nbKept = 0;
     for (std::size_t index = 0; index < m_NbLoops; ++index) {
-        ClipLoop(m_Loops[index]);
+        if (ClipLoop(m_Loops[index])) {
+            std::swap(m_Loops[nbKept++], m_Loops[index]);
+        }
     }
+    m_NbLoops = nbKept;
+    DropVerticesInFront();
     CloseWithWall(position);
-    std::swap(m_Loops, m_Clipped);
-    m_NbLoops = m_NbClipped;
     return true;
 }
 
@@ -105,50 +91,83 @@ bool ZULMRSCellProbe::Clip(const ZULMRSToolBound& bound, std::size_t position)
 bool ZULMRSCellProbe::LocateVertices(const std::array<double, 4>& equation, bool& isCut)
 {
     m_Heights.resize(m_Vertices.size());
-    for (std::size_t index = 0; index < m_Vertices.size(); ++index) {
-        const auto& [x, y, z] = m_Vertices[index];
-        const double height = equation[0] * x + equation[1] * y + (equation[2] * z + equation[3]);
-        const double terms = std::fabs(equation[0] * x) + std::fabs(equation[1] * y) +
-                             std::fabs(equation[2] * z) + std::fabs(equation[3]);
-        m_Heights[index] = std::fabs(height) <= Tolerance * terms ? 0.0 : height;
-    }
+    const double most = std::fabs(equation[0]) * m_Farthest[0] + std::fabs(equation[1]) * m_Farthest[1] +
+                        std::fabs(equation[2]) * m_Farthest[2] + std::fabs(equation[3]);
     bool isBehind = false;
-    for (std::size_t index = 0; index < m_NbLoops; ++index) {
-        for (const Index corner : m_Loops[index].m_Corners) {
-            isBehind = isBehind || m_Heights[corner] < 0.0;
-            isCut = isCut || m_Heights[corner] > 0.0;
+    for (const Index vertex : m_Live) {
+        const auto& [x, y, z] = m_Vertices[vertex];
+        double height = equation[0] * x + equation[1] * y + (equation[2] * z + equation[3]);
+        if (std::fabs(height) <= Tolerance * most) {
+            height = 0.0;
         }
+        m_Heights[vertex] = height;
+        isBehind = isBehind || height < 0.0;
+        isCut = isCut || height > 0.0;
     }
     return isBehind;
 }
 
-void ZULMRSCellProbe::ClipLoop(const Loop& loop)
+void ZULMRSCellProbe::DropVerticesInFront()
 {
-    Loop& clipped = NextLoop(loop.m_Bound);
-    Index previous = loop.m_Corners.back();
-    bool isBehind = false;
-    for (const Index corner : loop.m_Corners) {
-        if (m_Heights[previous] * m_Heights[corner] < 0.0) {
-            clipped.m_Corners.push_back(Cut(previous, corner));
-        }
-        if (m_Heights[corner] <= 0.0) {
-            clipped.m_Corners.push_back(corner);
-        }
-        isBehind = isBehind || m_Heights[corner] < 0.0;
-        previous = corner;
+    std::size_t nbKept = 0;
+    for (const Index vertex : m_Live) {
+        m_Live[nbKept] = vertex;
+        nbKept += m_Heights[vertex] <= 0.0 ? 1 : 0;
     }
-    if (!isBehind || clipped.m_Corners.size() < 3) {
-        --m_NbClipped;
-        return;
+    m_Live.resize(nbKept);
+    for (const CutVertex& cut : m_CutVertices) {
+        m_Live.push_back(cut.m_Vertex);
+    }
+}
+
+/// False when nothing of the loop is left.
+bool ZULMRSCellProbe::ClipLoop(Loop& loop)
+{
+    bool isInFront = false;
+    bool isBehind = false;
+    int nbOn = 0;
+    for (const Index corner : loop.m_Corners) {
+        const double height = m_Heights[corner];
+        isInFront = isInFront || height > 0.0;
+        isBehind = isBehind || height < 0.0;
+        nbOn += height == 0.0 ? 1 : 0;
+    }
+    if (!isBehind) {
+        return false;
+    }
+    if (isInFront) {
+        CutLoop(loop);
+    } else if (nbOn < 2) {
+        return true;
+    }
+    if (loop.m_Corners.size() < 3) {
+        return false;
     }
     // Every edge on the plane, passed the other way round, belongs to the wall.
-    Index start = clipped.m_Corners.back();
-    for (const Index end : clipped.m_Corners) {
+    Index start = loop.m_Corners.back();
+    for (const Index end : loop.m_Corners) {
         if (m_Heights[start] == 0.0 && m_Heights[end] == 0.0) {
             m_WallEdges.push_back({end, start});
         }
         start = end;
     }
+    return true;
+}
+
+void ZULMRSCellProbe::CutLoop(Loop& loop)
+{
+    m_Corners.clear();
+    Index previous = loop.m_Corners.back();
+    for (const Index corner : loop.m_Corners) {
+        if (m_Heights[previous] * m_Heights[corner] < 0.0) {
+            m_Corners.push_back(Cut(previous, corner));
+        }
+        if (m_Heights[corner] <= 0.0) {
+            m_Corners.push_back(corner);
+        }
+        previous = corner;
+    }
+    loop.m_Corners.swap(m_Corners);
 }
 
 /// The vertex in which the plane cuts an edge, the same one for both faces at it.
@@ -196,16 +215,16 @@ void ZULMRSCellProbe::CloseWithWall(std::size_t position)
         }
     }
     if (wall.m_Corners.size() < 3) {
-        --m_NbClipped;
+        --m_NbLoops;
     }
 }
 
 ZULMRSCellProbe::Loop& ZULMRSCellProbe::NextLoop(std::size_t bound)
 {
-    if (m_NbClipped == m_Clipped.size()) {
-        m_Clipped.emplace_back();
+    if (m_NbLoops == m_Loops.size()) {
+        m_Loops.emplace_back();
     }
-    Loop& loop = m_Clipped[m_NbClipped++];
+    Loop& loop = m_Loops[m_NbLoops++];
     loop.m_Bound = bound;
     loop.m_Corners.clear();
     return loop;

@@ -3,17 +3,11 @@
 #include <algorithm>
 #include <utility>
 
-#include "ZULMRSBSPPredicates.h"
 #include "ZULSystem.h"
 
 namespace
 {
 using Points = std::vector<ZULMRSBSPPoint*>;
-
-std::size_t Before(std::size_t position, std::size_t count)
-{
-    return position == 0 ? count - 1 : position - 1;
-}
 
 /// The position of the edge between two points, in either direction; count when the polygon does not have it.
 std::size_t FindEdge(const Points& points, const ZULMRSBSPPoint* start, const ZULMRSBSPPoint* end)
@@ -28,66 +22,44 @@ std::size_t FindEdge(const Points& points, const ZULMRSBSPPoint* start, const ZU
     if (points[next] == end) {
         return next;
     }
-    return points[Before(position, count)] == end ? position : count;
+    return points[position == 0 ? count - 1 : position - 1] == end ? position : count;
 }
 
-/// Inserts a vertex into the edge between two points; false when the polygon does not have that edge (any
-/// more).
-bool InsertVertex(ZULMRSBSPPolygon& polygon, const ZULMRSBSPPoint* start, const ZULMRSBSPPoint* end,
-                  ZULMRSBSPPoint* vertex)
+void Require(bool condition, const char* text, int line)
 {
-    const std::size_t position = FindEdge(polygon.GetPoints(), start, end);
-    if (position == polygon.GetNbPoints()) {
-        return false;
+    if (!condition) {
+        ZULFatalError(text, nullptr, nullptr, nullptr, "ZULMRSCellSplitter", line);
     }
-    polygon.InsertPointOnEdge(position, vertex, polygon.GetAllEdges()[position],
-                              polygon.GetAllEdgeOrientations()[position]);
-    return true;
 }
 
-/// Goes round an edge from cell to cell, starting across one of the two faces of the first, and gives the
-/// vertex to every cell and polygon met. True when the round closed, false when it ended on the surface.
-bool InsertRound(const ZULMRSCell* cell, ZULMRSFace* face, const ZULMRSBSPPoint* start,
+/// Goes round an edge from cell to cell, from one of the two faces of the first on, and gives the vertex to
+/// every cell met and every polygon between them. True when it arrives at the other face, false when it ends
+/// on the surface.
+bool InsertRound(const ZULMRSCell* cell, const std::array<ZULMRSFace*, 2>& faces, const ZULMRSBSPPoint* start,
                  const ZULMRSBSPPoint* end, ZULMRSBSPPoint* vertex)
 {
+    ZULMRSFace* face = faces[0];
     for (ZULMRSCell* other = face->GetOtherHolder(cell); other != nullptr;
          other = face->GetOtherHolder(other)) {
         other->m_Vertices.push_back(vertex);
         ZULMRSFace* next = nullptr;
+        std::size_t edge = 0;
         for (std::size_t position = 0; position < other->GetNbPolygons() && next == nullptr; ++position) {
             ZULMRSFace* candidate = other->GetFace(position);
-            if (candidate != face && InsertVertex(*candidate, start, end, vertex)) {
-                next = candidate;
+            if (candidate != face) {
+                edge = FindEdge(candidate->GetPoints(), start, end);
+                next = edge < candidate->GetNbPoints() ? candidate : nullptr;
             }
         }
-        if (next == nullptr) {
+        if (next == faces[1]) {
             return true;
         }
+        Require(next != nullptr, "an edge of a cell has one face", __LINE__);
+        next->InsertPointOnEdge(edge, vertex, next->GetAllEdges()[edge],
+                                next->GetAllEdgeOrientations()[edge]);
         face = next;
     }
     return false;
-}
-
-/// The part of a polygon from one vertex on to another, closed by an edge on the given plane.
-ZULMRSFace* MakePart(const ZULMRSFace& face, std::size_t first, std::size_t last, ZULMRSBSPPlane* plane,
-                     char orientation)
-{
-    const std::size_t count = face.GetNbPoints();
-    const std::size_t size = (last + count - first) % count + 1;
-    std::vector<ZULMRSBSPPlane*> edges;
-    std::vector<ZULMRSBSPPoint*> points;
-    std::vector<char> orientations;
-    edges.reserve(size);
-    points.reserve(size);
-    orientations.reserve(size);
-    for (std::size_t step = 0; step < size; ++step) {
-        const std::size_t position = (first + step) % count;
-        points.push_back(face.GetPoints()[position]);
-        edges.push_back(step == 0 ? plane : face.GetAllEdges()[position]);
-        orientations.push_back(step == 0 ? orientation : face.GetAllEdgeOrientations()[position]);
-    }
-    return new ZULMRSFace(face.GetSupportingPlane(), std::move(edges), std::move(points),
-                          std::move(orientations));
 }
 
 /// Hands a polygon to a cell with a reference of the caller's.
@@ -98,31 +70,35 @@ void HandOver(ZULMRSCell& cell, ZULMRSFace* face, char orientation)
     face->HolderWith(orientation) = &cell;
 }
 
-/// Puts the two parts of a polygon in its place in the cell on its other side.
-void ReplaceInNeighbour(ZULMRSCell& neighbour, ZULMRSFace& face, const std::array<ZULMRSFace*, 2>& parts,
-                        char orientation)
-{
-    std::size_t position = 0;
-    neighbour.FindPolygonPosition(&face, position);
-    for (ZULMRSFace* part : parts) {
-        part->AddRef();
-        part->HolderWith(orientation) = &neighbour;
-    }
-    neighbour.GetPolygons()[position] = parts[0];
-    neighbour.GetPolygons().push_back(parts[1]);
-    neighbour.GetPolygonsOrientations().push_back(orientation);
-    face.Release();
-}
-
 char Opposite(char orientation)
 {
     return static_cast<char>(-static_cast<signed char>(orientation));
 }
 
-void Require(bool condition, const char* text, int line)
+/// Copies the elements from one position to another of a ring, both included, to the end of a vector.
+template <class Element>
+void AppendArc(const std::vector<Element>& ring, std::size_t first, std::size_t last,
+               std::vector<Element>& target)
 {
-    if (!condition) {
-        ZULFatalError(text, nullptr, nullptr, nullptr, "ZULMRSCellSplitter", line);
+    const auto at = [&](std::size_t position) {
+        return ring.begin() + static_cast<std::ptrdiff_t>(position);
+    };
+    if (first <= last) {
+        target.insert(target.end(), at(first), at(last + 1));
+    } else {
+        target.reserve(target.size() + ring.size() - first + last + 1);
+        target.insert(target.end(), at(first), ring.end());
+        target.insert(target.end(), ring.begin(), at(last + 1));
+    }
+}
+
+/// Gives memory back that a part of a cell will hardly need again.
+template <class Element>
+void ShrinkWhenLoose(std::vector<Element>& elements)
+{
+    constexpr std::size_t slack = 8;
+    if (elements.capacity() > elements.size() + slack) {
+        elements.shrink_to_fit();
     }
 }
 }  // namespace
@@ -153,22 +129,38 @@ ZULMRSCell* ZULMRSMakeBoxCell(const ZULMathOBB& box, ZULMRSBSPObjectFactory& fac
     }
     polyhedron->Release();
     if (cell != nullptr) {
-        cell->m_Box = ZULMRSLeafBox::Around(cell->m_Vertices);
+        cell->m_Box = ZULMRSLeafBox::Empty();
+        for (const ZULMRSBSPPoint* point : cell->m_Vertices) {
+            cell->m_Box.Include(ZULMRSPlace::Of(*point));
+        }
     }
     return cell;
 }
 
 ZULMRSCellSplitter::Position ZULMRSCellSplitter::Locate(const ZULMRSCell& cell, const ZULMRSBSPPlane& plane)
 {
-    m_Sides.Begin(plane);
+    m_Outline.Open(cell, m_Table);
+    m_Table.Turn(plane);
     bool hasFront = false;
     bool hasBehind = false;
-    for (const ZULMRSBSPPoint* point : cell.m_Vertices) {
-        const int side = m_Sides.Of(point);
+    bool isSure = true;
+    const auto isCrossing = [&](int side) {
         hasFront = hasFront || side > 0;
         hasBehind = hasBehind || side < 0;
-        if (hasFront && hasBehind) {
+        return hasFront && hasBehind;
+    };
+    for (const Index vertex : m_Outline.GetVertices()) {
+        const int side = m_Table.GuessSideOf(vertex);
+        isSure = isSure && side != 0;
+        if (isCrossing(side)) {
             return Position::Crossing;
+        }
+    }
+    if (!isSure) {
+        for (const Index vertex : m_Outline.GetVertices()) {
+            if (isCrossing(m_Table.SideOf(vertex))) {
+                return Position::Crossing;
+            }
         }
     }
     return hasFront ? Position::InFront : Position::Behind;
@@ -176,20 +168,34 @@ ZULMRSCellSplitter::Position ZULMRSCellSplitter::Locate(const ZULMRSCell& cell, 
 
 ZULMRSCell* ZULMRSCellSplitter::Split(ZULMRSCell& cell, ZULMRSBSPPlane* plane)
 {
-    m_Sides.Begin(*plane);
-    InsertCutVertices(cell, plane);
+    m_Outline.OpenLoops(cell, m_Table);
+    m_Table.Turn(*plane);
+    FindSides();
+    FindPasses(cell);
+    MakeVertices(cell, plane);
     auto* front = new ZULMRSCell();
+    front->m_Box = cell.m_Box;
     PartFaces(cell, *front, plane);
 
     // The wall turns positively about the plane's normal, which points out of the part behind.
-    CollectWallEdges(*front);
     ZULMRSFace* wall = MakeWall(plane);
     HandOver(*front, wall, -1);
     wall->AddRef();
     HandOver(cell, wall, 1);
 
     PartVertices(cell, *front);
+    m_Outline.Forget();
     return front;
+}
+
+void ZULMRSCellSplitter::FitBox(ZULMRSCell& cell)
+{
+    m_Outline.Open(cell, m_Table);
+    ZULMRSLeafBox box = ZULMRSLeafBox::Empty();
+    for (const Index vertex : m_Outline.GetVertices()) {
+        box.Include(m_Table.PlaceOf(vertex));
+    }
+    cell.m_Box = box;
 }
 
 void ZULMRSCellSplitter::Remove(ZULMRSCell* cell)
@@ -202,166 +208,279 @@ void ZULMRSCellSplitter::Remove(ZULMRSCell* cell)
 
 void ZULMRSCellSplitter::Finish()
 {
-    m_Sides.Clear();
+    m_Table.Clear();
+    m_Outline.Forget();
     for (ZULMRSCell* cell : m_Removed) {
         cell->Release();
     }
     m_Removed.clear();
 }
 
-void ZULMRSCellSplitter::CollectCrossingEdges(const ZULMRSCell& cell)
+void ZULMRSCellSplitter::FindSides()
+{
+    m_Vertices.clear();
+    m_Sides.clear();
+    for (const Index vertex : m_Outline.GetVertices()) {
+        m_Vertices.push_back(m_Table.PointOf(vertex));
+        m_Sides.push_back(static_cast<signed char>(m_Table.SideOf(vertex)));
+    }
+}
+
+/// Where each face passes the plane, and the edges that cross it.
+void ZULMRSCellSplitter::FindPasses(const ZULMRSCell& cell)
 {
     m_CrossingEdges.clear();
-    for (std::size_t index = 0; index < cell.GetNbPolygons(); ++index) {
-        ZULMRSFace* face = cell.GetFace(index);
-        const Points& points = face->GetPoints();
-        ZULMRSBSPPoint* start = points.back();
-        int startSide = m_Sides.Of(start);
-        for (std::size_t position = 0; position < points.size(); ++position) {
-            ZULMRSBSPPoint* end = points[position];
-            const int endSide = m_Sides.Of(end);
-            if (startSide * endSide < 0) {
-                const auto known = std::find_if(m_CrossingEdges.begin(), m_CrossingEdges.end(),
-                                                [&](const CrossingEdge& edge) {
-                                                    return (edge.m_Start == end && edge.m_End == start) ||
-                                                           (edge.m_Start == start && edge.m_End == end);
-                                                });
-                if (known == m_CrossingEdges.end()) {
-                    m_CrossingEdges.push_back({start, end, {face, nullptr}, face->GetAllEdges()[position]});
-                } else {
-                    known->m_Faces[1] = face;
-                }
-            }
-            start = end;
-            startSide = endSide;
-        }
+    m_States.clear();
+    for (std::size_t face = 0; face < cell.GetNbPolygons(); ++face) {
+        m_States.push_back(FindPasses(face));
     }
 }
 
-void ZULMRSCellSplitter::InsertCutVertices(ZULMRSCell& cell, ZULMRSBSPPlane* plane)
+ZULMRSCellSplitter::FaceState ZULMRSCellSplitter::FindPasses(std::size_t face)
 {
-    CollectCrossingEdges(cell);
-    for (const CrossingEdge& edge : m_CrossingEdges) {
-        Require(edge.m_Faces[1] != nullptr, "an edge of a cell has one face", __LINE__);
+    FaceState state{FaceSide::Behind, 0, {}};
+    const auto add = [&](const Pass& pass) {
+        if (state.m_NbPasses < state.m_Passes.size()) {
+            state.m_Passes[state.m_NbPasses] = pass;
+        }
+        ++state.m_NbPasses;
+    };
+    const std::span<const Index> loop = m_Outline.GetLoop(face);
+    bool hasFront = false;
+    bool hasBehind = false;
+    Index start = loop.back();
+    int startSide = m_Sides[start];
+    for (std::size_t position = 0; position < loop.size(); ++position) {
+        const Index end = loop[position];
+        const int endSide = m_Sides[end];
+        if (endSide == 0) {
+            add({position, end, NoEdge});
+        } else if (startSide * endSide < 0) {
+            const Index edge = AddCrossing(face, position, start, end);
+            add({position, static_cast<Index>(m_Outline.GetNbVertices()) + edge, edge});
+        }
+        hasFront = hasFront || endSide > 0;
+        hasBehind = hasBehind || endSide < 0;
+        start = end;
+        startSide = endSide;
+    }
+    // A face on the plane counts as behind.
+    if (hasFront) {
+        state.m_Side = hasBehind ? FaceSide::Crossing : FaceSide::InFront;
+    }
+    Require(state.m_Side != FaceSide::Crossing || state.m_NbPasses == 2,
+            "a crossing face is not cut in two vertices", __LINE__);
+    return state;
+}
+
+/// The number of a crossing edge, which the two faces that meet in it name.
+ZULMRSCellSplitter::Index ZULMRSCellSplitter::AddCrossing(std::size_t face, std::size_t position, Index start,
+                                                          Index end)
+{
+    for (Index edge = 0; edge < m_CrossingEdges.size(); ++edge) {
+        CrossingEdge& known = m_CrossingEdges[edge];
+        if ((known.m_Start == end && known.m_End == start) ||
+            (known.m_Start == start && known.m_End == end)) {
+            known.m_Faces[1] = face;
+            return edge;
+        }
+    }
+    m_CrossingEdges.push_back({start, end, {face, face}, position, nullptr});
+    return static_cast<Index>(m_CrossingEdges.size() - 1);
+}
+
+/// Makes the vertices on the crossing edges and gives them to all that meet in these, except the cell.
+void ZULMRSCellSplitter::MakeVertices(const ZULMRSCell& cell, ZULMRSBSPPlane* plane)
+{
+    for (CrossingEdge& edge : m_CrossingEdges) {
+        Require(edge.m_Faces[1] != edge.m_Faces[0], "an edge of a cell has one face", __LINE__);
+        const std::array<ZULMRSFace*, 2> faces{cell.GetFace(edge.m_Faces[0]), cell.GetFace(edge.m_Faces[1])};
         bool isValid = false;
-        ZULMRSBSPPoint* vertex = ZULMRSBSPPointNS::CreatePoint(edge.m_Faces[0]->GetSupportingPlane(),
-                                                               edge.m_Edge, plane, isValid, true);
-        Require(vertex != nullptr, "no memory for a vertex", __LINE__);
-        m_Sides.SetOn(vertex);
-        for (ZULMRSFace* face : edge.m_Faces) {
-            InsertVertex(*face, edge.m_Start, edge.m_End, vertex);
+        edge.m_Vertex = ZULMRSBSPPointNS::CreatePoint(
+            faces[0]->GetSupportingPlane(), faces[0]->GetAllEdges()[edge.m_Position], plane, isValid, true);
+        Require(edge.m_Vertex != nullptr, "no memory for a vertex", __LINE__);
+        m_Table.SetOn(m_Table.IndexOf(edge.m_Vertex));
+        m_Vertices.push_back(edge.m_Vertex);
+        m_Sides.push_back(0);
+        const ZULMRSBSPPoint* start = m_Vertices[edge.m_Start];
+        const ZULMRSBSPPoint* end = m_Vertices[edge.m_End];
+        if (!InsertRound(&cell, faces, start, end, edge.m_Vertex)) {
+            InsertRound(&cell, {faces[1], faces[0]}, start, end, edge.m_Vertex);
         }
-        cell.m_Vertices.push_back(vertex);
-        if (!InsertRound(&cell, edge.m_Faces[0], edge.m_Start, edge.m_End, vertex)) {
-            InsertRound(&cell, edge.m_Faces[1], edge.m_Start, edge.m_End, vertex);
-        }
-        vertex->Release();
-    }
-}
-
-/// On which side of the plane each face lies; one on the plane counts as behind.
-void ZULMRSCellSplitter::FindSides(const std::vector<ZULMRSBSPPolygon*>& faces)
-{
-    m_FaceSides.clear();
-    for (const ZULMRSBSPPolygon* face : faces) {
-        bool hasFront = false;
-        bool hasBehind = false;
-        for (const ZULMRSBSPPoint* point : face->GetPoints()) {
-            const int side = m_Sides.Of(point);
-            hasFront = hasFront || side > 0;
-            hasBehind = hasBehind || side < 0;
-        }
-        const FaceSide whole = hasFront ? FaceSide::InFront : FaceSide::Behind;
-        m_FaceSides.push_back(hasFront && hasBehind ? FaceSide::Crossing : whole);
     }
 }
 
 /// Moves the faces and parts of faces in front to the new cell.
 void ZULMRSCellSplitter::PartFaces(ZULMRSCell& cell, ZULMRSCell& front, ZULMRSBSPPlane* plane)
 {
-    const std::vector<ZULMRSBSPPolygon*> faces = std::move(cell.GetPolygons());
-    const std::vector<char> orientations = std::move(cell.GetPolygonsOrientations());
-    FindSides(faces);
-    // Exactly as long as needed, with the wall.
-    const auto reserve = [this](ZULMRSCell& part, FaceSide side) {
-        const auto count = 1 + std::count(m_FaceSides.begin(), m_FaceSides.end(), side) +
-                           std::count(m_FaceSides.begin(), m_FaceSides.end(), FaceSide::Crossing);
-        part.GetPolygons() = {};
-        part.GetPolygons().reserve(static_cast<std::size_t>(count));
-        part.GetPolygonsOrientations() = {};
-        part.GetPolygonsOrientations().reserve(static_cast<std::size_t>(count));
-    };
-    reserve(cell, FaceSide::Behind);
-    reserve(front, FaceSide::InFront);
-    for (std::size_t position = 0; position < faces.size(); ++position) {
-        auto* face = static_cast<ZULMRSFace*>(faces[position]);
-        const char orientation = orientations[position];
-        if (m_FaceSides[position] == FaceSide::Crossing) {
-            const auto [behindPart, frontPart] = SplitFace(cell, *face, orientation, plane);
-            HandOver(cell, behindPart, orientation);
-            HandOver(front, frontPart, orientation);
-            face->Release();
-        } else {
-            HandOver(m_FaceSides[position] == FaceSide::InFront ? front : cell, face, orientation);
-        }
-    }
-}
-
-/// Splits a face that already has its vertices on the plane, for the neighbour too: the parts behind and in
-/// front, each with a reference of the caller's.
-std::array<ZULMRSFace*, 2> ZULMRSCellSplitter::SplitFace(ZULMRSCell& cell, ZULMRSFace& face, char orientation,
-                                                         ZULMRSBSPPlane* plane)
-{
-    const Points& points = face.GetPoints();
-    std::array<std::size_t, 2> cuts{0, 0};
-    std::size_t nbCuts = 0;
-    for (std::size_t position = 0; position < points.size(); ++position) {
-        if (m_Sides.Of(points[position]) == 0) {
-            Require(nbCuts < 2, "a convex face is cut in more than two vertices", __LINE__);
-            cuts[nbCuts++] = position;
-        }
-    }
-    Require(nbCuts == 2, "a crossing face is not cut in two vertices", __LINE__);
-
-    const bool isFirstInFront = m_Sides.Of(points[cuts[0] + 1]) > 0;
-    const char firstOrientation = isFirstInFront ? -1 : 1;
-    const std::array<ZULMRSFace*, 2> parts{
-        MakePart(face, cuts[0], cuts[1], plane, firstOrientation),
-        MakePart(face, cuts[1], cuts[0], plane, Opposite(firstOrientation))};
-    if (ZULMRSCell* neighbour = face.GetOtherHolder(&cell)) {
-        ReplaceInNeighbour(*neighbour, face, parts, Opposite(orientation));
-    }
-    return isFirstInFront ? std::array{parts[1], parts[0]} : parts;
-}
-
-/// The edges of the faces in front that lie on the plane, in the direction in which these faces pass them
-/// seen from outside.
-void ZULMRSCellSplitter::CollectWallEdges(const ZULMRSCell& front)
-{
+    const auto nbBehind =
+        static_cast<std::size_t>(std::count_if(m_States.begin(), m_States.end(), [](const FaceState& state) {
+            return state.m_Side == FaceSide::Behind;
+        }));
+    front.GetPolygons().reserve(m_States.size() - nbBehind + 1);
+    front.GetPolygonsOrientations().reserve(m_States.size() - nbBehind + 1);
     m_WallEdges.clear();
-    for (std::size_t index = 0; index < front.GetNbPolygons(); ++index) {
-        const ZULMRSFace* face = front.GetFace(index);
-        const char orientation = front.GetPolygonOrientation(index);
-        ZULMRSBSPPoint* start = face->GetPoints().back();
-        bool isStartOn = m_Sides.Of(start) == 0;
-        for (ZULMRSBSPPoint* end : face->GetPoints()) {
-            const bool isEndOn = m_Sides.Of(end) == 0;
-            if (isStartOn && isEndOn) {
-                const bool isForward = static_cast<signed char>(orientation) > 0;
-                m_WallEdges.push_back({isForward ? start : end, isForward ? end : start,
-                                       face->GetSupportingPlane(), orientation});
-            }
-            start = end;
-            isStartOn = isEndOn;
+    std::size_t nbKept = 0;
+    const auto keep = [&](ZULMRSFace* face, char orientation) {
+        cell.GetPolygons()[nbKept] = face;
+        cell.GetPolygonsOrientations()[nbKept] = orientation;
+        face->HolderWith(orientation) = &cell;
+        ++nbKept;
+    };
+    for (std::size_t position = 0; position < m_States.size(); ++position) {
+        ZULMRSFace* face = cell.GetFace(position);
+        const char orientation = cell.GetPolygonOrientation(position);
+        const FaceSide side = m_States[position].m_Side;
+        if (side == FaceSide::Behind) {
+            keep(face, orientation);
+            continue;
         }
+        ZULMRSFace* inFront = face;
+        if (side == FaceSide::Crossing) {
+            ZULMRSFace* second = SplitFace(cell, *face, position, plane);
+            const bool isFirstInFront = IsFirstPartInFront(position);
+            keep(isFirstInFront ? second : face, orientation);
+            inFront = isFirstInFront ? face : second;
+        }
+        AddWallEdges(face->GetSupportingPlane(), position, orientation);
+        HandOver(front, inFront, orientation);
     }
-    Require(m_WallEdges.size() > 2, "the wall of a split has no area", __LINE__);
+    cell.GetPolygons().resize(nbKept);
+    cell.GetPolygonsOrientations().resize(nbKept);
+    ShrinkWhenLoose(cell.GetPolygons());
+    ShrinkWhenLoose(cell.GetPolygonsOrientations());
+    // Exactly as long as needed, with the wall.
+    cell.GetPolygons().reserve(nbKept + 1);
+    cell.GetPolygonsOrientations().reserve(nbKept + 1);
+}
+
+bool ZULMRSCellSplitter::IsFirstPartInFront(std::size_t face) const
+{
+    const Pass& pass = m_States[face].m_Passes[0];
+    const std::size_t inside = pass.m_Edge == NoEdge ? pass.m_Position + 1 : pass.m_Position;
+    return m_Sides[m_Outline.GetLoop(face)[inside]] > 0;
+}
+
+/// Makes a face its part from the first to the second vertex on the plane, and the rest, which it returns, a
+/// polygon of its own; also in the cell on the other side.
+ZULMRSFace* ZULMRSCellSplitter::SplitFace(ZULMRSCell& cell, ZULMRSFace& face, std::size_t index,
+                                          ZULMRSBSPPlane* plane)
+{
+    const FaceState& state = m_States[index];
+    ReadLoop(face, index);
+    const std::size_t first = state.m_Passes[0].m_Position;
+    const std::size_t last = state.m_Passes[1].m_Position + (state.m_Passes[0].m_Edge == NoEdge ? 0 : 1);
+    const std::size_t nbOfRest = m_Loop.m_Points.size() - (last - first) + 1;
+    auto* rest = new ZULMRSFace(face.GetSupportingPlane(), nbOfRest);
+    rest->GetPoints().reserve(nbOfRest);
+    AppendArc(m_Loop.m_Points, last, first, rest->GetPoints());
+    AppendArc(m_Loop.m_Edges, last, first, rest->GetAllEdges());
+    AppendArc(m_Loop.m_Orientations, last, first, rest->GetAllEdgeOrientations());
+    face.GetPoints().clear();
+    face.GetAllEdges().clear();
+    face.GetAllEdgeOrientations().clear();
+    AppendArc(m_Loop.m_Points, first, last, face.GetPoints());
+    AppendArc(m_Loop.m_Edges, first, last, face.GetAllEdges());
+    AppendArc(m_Loop.m_Orientations, first, last, face.GetAllEdgeOrientations());
+
+    // Both ends belong to both; each edge belongs to the part in which it ends, and the plane closes both.
+    m_Loop.m_Points[first]->AddRef();
+    m_Loop.m_Points[last]->AddRef();
+    plane->AddRef();
+    plane->AddRef();
+    const char orientation = IsFirstPartInFront(index) ? -1 : 1;
+    face.GetAllEdges().front() = plane;
+    face.GetAllEdgeOrientations().front() = orientation;
+    rest->GetAllEdges().front() = plane;
+    rest->GetAllEdgeOrientations().front() = Opposite(orientation);
+    face.ResizePoints();
+    rest->ResizePoints();
+
+    if (ZULMRSCell* neighbour = face.GetOtherHolder(&cell)) {
+        const char ofNeighbour = &cell == face.HolderWith(1) ? -1 : 1;
+        rest->AddRef();
+        HandOver(*neighbour, rest, ofNeighbour);
+    }
+    return rest;
+}
+
+void ZULMRSCellSplitter::Loop::Clear()
+{
+    m_Edges.clear();
+    m_Points.clear();
+    m_Orientations.clear();
+}
+
+void ZULMRSCellSplitter::Loop::Add(ZULMRSBSPPlane* edge, ZULMRSBSPPoint* point, char orientation)
+{
+    m_Edges.push_back(edge);
+    m_Points.push_back(point);
+    m_Orientations.push_back(orientation);
+}
+
+/// A face's loop with the vertices that were made on its edges.
+void ZULMRSCellSplitter::ReadLoop(ZULMRSFace& face, std::size_t index)
+{
+    m_Loop.Clear();
+    const FaceState& state = m_States[index];
+    std::size_t pass = 0;
+    for (std::size_t position = 0; position < face.GetNbPoints(); ++position) {
+        ZULMRSBSPPlane* edge = face.GetAllEdges()[position];
+        const char orientation = face.GetAllEdgeOrientations()[position];
+        if (pass < state.m_Passes.size() && state.m_Passes[pass].m_Position == position) {
+            if (state.m_Passes[pass].m_Edge != NoEdge) {
+                const CrossingEdge& crossing = m_CrossingEdges[state.m_Passes[pass].m_Edge];
+                // The first face takes over the reference with which the vertex was made.
+                if (crossing.m_Faces[0] != index) {
+                    crossing.m_Vertex->AddRef();
+                }
+                edge->AddRef();
+                m_Loop.Add(edge, crossing.m_Vertex, orientation);
+            }
+            ++pass;
+        }
+        m_Loop.Add(edge, face.GetPoints()[position], orientation);
+    }
+}
+
+/// The edges on the plane of a face that is in front, or of the part of it that is.
+void ZULMRSCellSplitter::AddWallEdges(ZULMRSBSPPlane* supportingPlane, std::size_t index, char orientation)
+{
+    const FaceState& state = m_States[index];
+    if (state.m_Side == FaceSide::Crossing) {
+        const bool isFirst = IsFirstPartInFront(index);
+        AddWallEdge(state.m_Passes[isFirst ? 1 : 0].m_Vertex, state.m_Passes[isFirst ? 0 : 1].m_Vertex,
+                    supportingPlane, orientation);
+        return;
+    }
+    if (state.m_NbPasses < 2) {
+        return;
+    }
+    const std::span<const Index> loop = m_Outline.GetLoop(index);
+    Index start = loop.back();
+    for (const Index end : loop) {
+        if (m_Sides[start] == 0 && m_Sides[end] == 0) {
+            AddWallEdge(start, end, supportingPlane, orientation);
+        }
+        start = end;
+    }
+}
+
+/// An edge that a face passes from start to end, kept in the direction seen from outside.
+void ZULMRSCellSplitter::AddWallEdge(Index start, Index end, ZULMRSBSPPlane* supportingPlane,
+                                     char orientation)
+{
+    if (static_cast<signed char>(orientation) < 0) {
+        std::swap(start, end);
+    }
+    m_WallEdges.push_back({start, end, supportingPlane, orientation});
 }
 
 /// The polygon that closes the part in front: its loop follows the wall's edges, which is positive about the
 /// plane's normal.
 ZULMRSFace* ZULMRSCellSplitter::MakeWall(ZULMRSBSPPlane* plane)
 {
+    Require(m_WallEdges.size() > 2, "the wall of a split has no area", __LINE__);
     std::vector<ZULMRSBSPPlane*> edges;
     std::vector<ZULMRSBSPPoint*> points;
     std::vector<char> orientations;
@@ -369,7 +488,7 @@ ZULMRSFace* ZULMRSCellSplitter::MakeWall(ZULMRSBSPPlane* plane)
     points.reserve(m_WallEdges.size());
     orientations.reserve(m_WallEdges.size());
     for (const WallEdge* edge = &m_WallEdges.front(); points.size() < m_WallEdges.size();) {
-        points.push_back(edge->m_End);
+        points.push_back(m_Vertices[edge->m_End]);
         edges.push_back(edge->m_Plane);
         orientations.push_back(edge->m_Orientation);
         const auto next = std::find_if(m_WallEdges.begin(), m_WallEdges.end(),
@@ -383,20 +502,18 @@ ZULMRSFace* ZULMRSCellSplitter::MakeWall(ZULMRSBSPPlane* plane)
 /// Shares the vertices out; those on the plane belong to both parts.
 void ZULMRSCellSplitter::PartVertices(ZULMRSCell& cell, ZULMRSCell& front)
 {
-    m_FrontVertices.clear();
-    m_BehindVertices.clear();
-    for (ZULMRSBSPPoint* point : cell.m_Vertices) {
-        const int side = m_Sides.Of(point);
-        if (side >= 0) {
-            m_FrontVertices.push_back(point);
+    front.m_Vertices.reserve(static_cast<std::size_t>(
+        std::count_if(m_Sides.begin(), m_Sides.end(), [](signed char side) { return side >= 0; })));
+    cell.m_Vertices.clear();
+    cell.m_Vertices.reserve(static_cast<std::size_t>(
+        std::count_if(m_Sides.begin(), m_Sides.end(), [](signed char side) { return side <= 0; })));
+    for (std::size_t vertex = 0; vertex < m_Vertices.size(); ++vertex) {
+        if (m_Sides[vertex] >= 0) {
+            front.m_Vertices.push_back(m_Vertices[vertex]);
         }
-        if (side <= 0) {
-            m_BehindVertices.push_back(point);
+        if (m_Sides[vertex] <= 0) {
+            cell.m_Vertices.push_back(m_Vertices[vertex]);
         }
     }
-    // Exactly as long as needed.
-    front.m_Vertices = m_FrontVertices;
-    cell.m_Vertices = std::vector<ZULMRSBSPPoint*>(m_BehindVertices);
-    cell.m_Box = ZULMRSLeafBox::Around(cell.m_Vertices);
-    front.m_Box = ZULMRSLeafBox::Around(front.m_Vertices);
+    ShrinkWhenLoose(cell.m_Vertices);
 }

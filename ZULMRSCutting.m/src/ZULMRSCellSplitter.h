@@ -3,11 +3,13 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "ZULMRSBSPObjectFactory.h"
 #include "ZULMRSCell.h"
-#include "ZULMRSPointSides.h"
+#include "ZULMRSCellOutline.h"
+#include "ZULMRSVertexTable.h"
 #include "ZULMathOBB.h"
 
 /// A new cell of planes and corners from the given factory, owned by the caller; null when the box is
@@ -33,8 +35,11 @@ public:
     Position Locate(const ZULMRSCell& cell, const ZULMRSBSPPlane& plane);
 
     /// Splits a cell that the plane crosses: the cell becomes the part behind, the new cell returned, which
-    /// the caller owns, is the part in front.
+    /// the caller owns, is the part in front. Both keep the box of the whole until FitBox().
     ZULMRSCell* Split(ZULMRSCell& cell, ZULMRSBSPPlane* plane);
+
+    /// Gives a cell the least box known to contain it.
+    void FitBox(ZULMRSCell& cell);
 
     /// Takes a cell away from its neighbours, and the caller's reference on it. It dies at Finish(): until
     /// then no point takes the address of another.
@@ -43,40 +48,79 @@ public:
     /// To be called before a plane that Locate() or Split() was given is released.
     void Finish();
 
+    /// The cell's outline with its loops, and the table that it points into; true until the next Split().
+    const ZULMRSCellOutline& GetOutline(const ZULMRSCell& cell)
+    {
+        m_Outline.OpenLoops(cell, m_Table);
+        return m_Outline;
+    }
+    ZULMRSVertexTable& GetTable() { return m_Table; }
+
 private:
-    struct CrossingEdge {
-        ZULMRSBSPPoint* m_Start;
-        ZULMRSBSPPoint* m_End;
-        std::array<ZULMRSFace*, 2> m_Faces;  // the two faces of the cell that meet in it
-        ZULMRSBSPPlane* m_Edge;              // with the first face's plane, what carries the edge
-    };
-    struct WallEdge {
-        ZULMRSBSPPoint* m_Start;
-        ZULMRSBSPPoint* m_End;
-        ZULMRSBSPPlane* m_Plane;
-        char m_Orientation;
-    };
+    using Index = ZULMRSVertexTable::Index;
+    static constexpr Index NoEdge = static_cast<Index>(-1);
 
     enum class FaceSide : signed char { Behind, InFront, Crossing };
 
-    void CollectCrossingEdges(const ZULMRSCell& cell);
-    void InsertCutVertices(ZULMRSCell& cell, ZULMRSBSPPlane* plane);
-    void FindSides(const std::vector<ZULMRSBSPPolygon*>& faces);
+    /// An edge of the cell that the plane crosses between its ends.
+    struct CrossingEdge {
+        Index m_Start;  // positions among the vertices
+        Index m_End;
+        std::array<std::size_t, 2> m_Faces;  // the two faces of the cell that meet in it
+        std::size_t m_Position;              // in the first
+        ZULMRSBSPPoint* m_Vertex;            // where the plane crosses it
+    };
+    /// Where a loop passes the plane: at a corner, or on the edge that ends there.
+    struct Pass {
+        std::size_t m_Position;
+        Index m_Vertex;  // among the vertices
+        Index m_Edge;    // among the crossing edges, or none
+    };
+    struct FaceState {
+        FaceSide m_Side;
+        std::size_t m_NbPasses;  // more than the array holds only where an edge is on the plane
+        std::array<Pass, 2> m_Passes;
+    };
+    struct WallEdge {
+        Index m_Start;
+        Index m_End;
+        ZULMRSBSPPlane* m_Plane;
+        char m_Orientation;
+    };
+    /// A polygon's loop with the vertices on the plane put in; owns what it adds.
+    struct Loop {
+        std::vector<ZULMRSBSPPlane*> m_Edges;
+        std::vector<ZULMRSBSPPoint*> m_Points;
+        std::vector<char> m_Orientations;
+
+        void Clear();
+        void Add(ZULMRSBSPPlane* edge, ZULMRSBSPPoint* point, char orientation);
+    };
+
+    void FindSides();
+    void FindPasses(const ZULMRSCell& cell);
+    FaceState FindPasses(std::size_t face);
+    Index AddCrossing(std::size_t face, std::size_t position, Index start, Index end);
+    void MakeVertices(const ZULMRSCell& cell, ZULMRSBSPPlane* plane);
     void PartFaces(ZULMRSCell& cell, ZULMRSCell& front, ZULMRSBSPPlane* plane);
-    std::array<ZULMRSFace*, 2> SplitFace(ZULMRSCell& cell, ZULMRSFace& face, char orientation,
-                                         ZULMRSBSPPlane* plane);
-    void CollectWallEdges(const ZULMRSCell& front);
+    ZULMRSFace* SplitFace(ZULMRSCell& cell, ZULMRSFace& face, std::size_t index, ZULMRSBSPPlane* plane);
+    void ReadLoop(ZULMRSFace& face, std::size_t index);
+    bool IsFirstPartInFront(std::size_t face) const;
+    void AddWallEdges(ZULMRSBSPPlane* supportingPlane, std::size_t index, char orientation);
+    void AddWallEdge(Index start, Index end, ZULMRSBSPPlane* supportingPlane, char orientation);
     ZULMRSFace* MakeWall(ZULMRSBSPPlane* plane);
     void PartVertices(ZULMRSCell& cell, ZULMRSCell& front);
 
-    ZULMRSPointSides m_Sides;
+    ZULMRSVertexTable m_Table;
+    ZULMRSCellOutline m_Outline;
     std::vector<ZULMRSCell*> m_Removed;
-    // Scratch.
+    // Scratch. Vertices are counted as in the outline, those that are made after them.
+    std::vector<ZULMRSBSPPoint*> m_Vertices;
+    std::vector<signed char> m_Sides;
+    std::vector<FaceState> m_States;
     std::vector<CrossingEdge> m_CrossingEdges;
     std::vector<WallEdge> m_WallEdges;
-    std::vector<FaceSide> m_FaceSides;
-    std::vector<ZULMRSBSPPoint*> m_FrontVertices;
-    std::vector<ZULMRSBSPPoint*> m_BehindVertices;
+    Loop m_Loop;
 };
 
 #endif

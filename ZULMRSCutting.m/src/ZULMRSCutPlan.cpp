@@ -5,18 +5,24 @@
 #include <utility>
 
 void ZULMRSCutPlan::Collect(ZULMRSSpatialNode& node, std::uint32_t tool,
-                            const ZULMRSLeafCutter::Bounds& bounds)
+                            const ZULMRSBoundStack::Range& bounds)
 {
-    ZULMRSLeafCutter::Bounds active;
-    if (!ZULMRSLeafCutter::FindActive(node, bounds, active) || (node.IsLeaf() && node.m_Cells.empty())) {
+    ZULMRSBoundStack::Range active;
+    if ((node.IsLeaf() && node.m_Cells.empty()) || !m_Stack.Push(bounds, node.m_Box, active)) {
         return;
     }
-    if (!IsPart(node)) {
+    if (IsPart(node)) {
+        AddTask(node, tool);
+    } else {
         for (ZULMRSSpatialNode& child : *node.m_Children) {
             Collect(child, tool, active);
         }
-        return;
     }
+    m_Stack.Pop(active);
+}
+
+void ZULMRSCutPlan::AddTask(ZULMRSSpatialNode& node, std::uint32_t tool)
+{
     if (node.m_Task == ZULMRSSpatialNode::NoTask) {
         node.m_Task = static_cast<std::uint32_t>(m_Tasks.size());
         m_Tasks.push_back({&node, {}});

@@ -27,7 +27,7 @@ public:
     /// The tool cuts after those added before.
     void AddTool(std::uint32_t tool, const ZULMRSLeafCutter::Bounds& bounds)
     {
-        Collect(m_Root, tool, bounds);
+        Collect(m_Root, tool, m_Stack.Start(bounds));
     }
     /// Tools, each counted in every part that it cuts in.
     std::size_t GetNbCuts() const;
@@ -46,12 +46,14 @@ private:
     {
         return node.IsLeaf() || node.LongestSide() <= m_PartSize;
     }
-    void Collect(ZULMRSSpatialNode& node, std::uint32_t tool, const ZULMRSLeafCutter::Bounds& bounds);
+    void Collect(ZULMRSSpatialNode& node, std::uint32_t tool, const ZULMRSBoundStack::Range& bounds);
+    void AddTask(ZULMRSSpatialNode& node, std::uint32_t tool);
     void FindTouching(ZULMRSSpatialNode& node, const ZULMRSLeafBox& box, Nodes& touching) const;
     ZULMRSTaskGraph Order();
 
     ZULMRSSpatialNode& m_Root;
     const double m_PartSize;
+    ZULMRSBoundStack m_Stack;
     std::vector<Task> m_Tasks;
 };
 

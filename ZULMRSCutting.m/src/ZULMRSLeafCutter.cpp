@@ -9,7 +9,7 @@ constexpr double LeastLeafPerLeafSize = 1.0 / 16.0;
 
 bool ZULMRSLeafCutter::Apply(ZULMRSSpatialNode& node, const Bounds& bounds, Operation operation)
 {
-    const bool hasChanged = Visit(node, bounds, operation);
+    const bool hasChanged = Visit(node, m_Stack.Start(bounds), operation);
     m_Splitter.Finish();
     return hasChanged;
 }
@@ -23,64 +23,54 @@ std::size_t ZULMRSLeafCutter::Split(ZULMRSSpatialNode& node, const Bound& bound)
 
 void ZULMRSLeafCutter::Prepare(ZULMRSSpatialNode& node, const Bounds& bounds, double size)
 {
-    Bounds active;
-    if (!FindActive(node, bounds, active) || active.empty()) {
-        return;
-    }
-    if (node.IsLeaf() && (node.m_Cells.empty() || node.LongestSide() <= size || !Refine(node))) {
-        return;
-    }
-    for (ZULMRSSpatialNode& child : *node.m_Children) {
-        Prepare(child, active, size);
-    }
+    PrepareBelow(node, m_Stack.Start(bounds), size);
 }
 
-bool ZULMRSLeafCutter::FindActive(const ZULMRSSpatialNode& node, const Bounds& bounds, Bounds& active)
+void ZULMRSLeafCutter::PrepareBelow(ZULMRSSpatialNode& node, const Range& bounds, double size)
 {
-    active.clear();
-    for (const Bound& bound : bounds) {
-        switch (node.m_Box.Locate(bound.m_Outward)) {
-            case ZULMRSLeafBox::Position::InFront:
-                return false;
-            case ZULMRSLeafBox::Position::Unknown:
-                active.push_back(bound);
-                break;
-            case ZULMRSLeafBox::Position::Behind:
-                break;
+    Range active;
+    if (!m_Stack.Push(bounds, node.m_Box, active)) {
+        return;
+    }
+    const bool isDone =
+        active.m_Count == 0 ||
+        (node.IsLeaf() && (node.m_Cells.empty() || node.LongestSide() <= size || !Refine(node)));
+    if (!isDone) {
+        for (ZULMRSSpatialNode& child : *node.m_Children) {
+            PrepareBelow(child, active, size);
         }
     }
-    return true;
+    m_Stack.Pop(active);
 }
 
-bool ZULMRSLeafCutter::Visit(ZULMRSSpatialNode& node, const Bounds& bounds, Operation operation)
+bool ZULMRSLeafCutter::Visit(ZULMRSSpatialNode& node, const Range& bounds, Operation operation)
 {
-    Bounds active;
-    if (!FindActive(node, bounds, active)) {
+    Range active;
+    if (!m_Stack.Push(bounds, node.m_Box, active)) {
         return operation == Operation::KeepInside && RemoveAll(node);
     }
-    if (active.empty()) {
-        return operation == Operation::Subtract && RemoveAll(node);
-    }
-    if (!node.IsLeaf()) {
-        return VisitChildren(node, active, operation);
-    }
-    if (node.m_Cells.empty()) {
-        return false;
-    }
-    if (node.LongestSide() > m_Options.m_LeafSize && Refine(node)) {
-        return VisitChildren(node, active, operation);
-    }
-    const bool hasChanged = CutLeaf(node, active, operation);
-    RefineCrowded(node);
+    const bool hasChanged = active.m_Count == 0 ? operation == Operation::Subtract && RemoveAll(node)
+                                                : VisitCrossed(node, active, operation);
+    m_Stack.Pop(active);
     return hasChanged;
 }
 
-bool ZULMRSLeafCutter::VisitChildren(ZULMRSSpatialNode& node, const Bounds& bounds, Operation operation)
+/// Visits a node that none of the bounds contains or misses.
+bool ZULMRSLeafCutter::VisitCrossed(ZULMRSSpatialNode& node, const Range& bounds, Operation operation)
 {
-    bool hasChanged = false;
-    for (ZULMRSSpatialNode& child : *node.m_Children) {
-        hasChanged = Visit(child, bounds, operation) || hasChanged;
+    const bool isLeaf = node.IsLeaf();
+    if (isLeaf && node.m_Cells.empty()) {
+        return false;
     }
+    if (!isLeaf || (node.LongestSide() > m_Options.m_LeafSize && Refine(node))) {
+        bool hasChanged = false;
+        for (ZULMRSSpatialNode& child : *node.m_Children) {
+            hasChanged = Visit(child, bounds, operation) || hasChanged;
+        }
+        return hasChanged;
+    }
+    const bool hasChanged = CutLeaf(node, bounds, operation);
+    RefineCrowded(node);
     return hasChanged;
 }
 
@@ -102,7 +92,7 @@ bool ZULMRSLeafCutter::RemoveAll(ZULMRSSpatialNode& node)
     return hasChanged;
 }
 
-bool ZULMRSLeafCutter::CutLeaf(ZULMRSSpatialNode& node, const Bounds& bounds, Operation operation)
+bool ZULMRSLeafCutter::CutLeaf(ZULMRSSpatialNode& node, const Range& bounds, Operation operation)
 {
     m_Remaining.clear();
     bool hasChanged = false;
@@ -114,51 +104,75 @@ bool ZULMRSLeafCutter::CutLeaf(ZULMRSSpatialNode& node, const Bounds& bounds, Op
 }
 
 /// Puts a part with the remaining cells or removes it; true when it was removed.
-bool ZULMRSLeafCutter::Settle(ZULMRSCell* part, bool isKept)
+bool ZULMRSLeafCutter::Settle(ZULMRSCell* part, bool isKept, bool isNew)
 {
-    if (isKept) {
-        m_Remaining.push_back(part);
-    } else {
+    if (!isKept) {
         m_Splitter.Remove(part);
+        return true;
     }
-    return !isKept;
+    if (isNew) {
+        m_Splitter.FitBox(*part);
+    }
+    m_Remaining.push_back(part);
+    return false;
 }
 
 /// Applies the tool to one cell; what is left of it joins the remaining cells. True when anything was
 /// removed.
-bool ZULMRSLeafCutter::CutCell(ZULMRSCell* cell, const Bounds& bounds, Operation operation)
+bool ZULMRSLeafCutter::CutCell(ZULMRSCell* cell, const Range& bounds, Operation operation)
 {
     using Position = ZULMRSCellSplitter::Position;
     const bool isSubtract = operation == Operation::Subtract;
-    m_Crossing.clear();
-    for (const Bound& bound : bounds) {
-        switch (Locate(*cell, bound)) {
-            case Position::InFront:
-                return Settle(cell, isSubtract);
-            case Position::Crossing:
-                m_Crossing.push_back(bound);
-                break;
-            case Position::Behind:
-                break;
-        }
+    if (!FindCrossing(*cell, bounds)) {
+        return Settle(cell, isSubtract, false);
     }
     if (m_Crossing.size() > 1) {
-        m_Probe.Sort(*cell, m_Crossing);
+        m_Probe.Sort(*cell, m_Splitter.GetOutline(*cell), m_Splitter.GetTable(), m_Crossing);
     }
     bool hasChanged = false;
-    for (const Bound& bound : m_Crossing) {
-        const Position position = Locate(*cell, bound);
+    bool isNew = false;
+    for (const Bound* bound : m_Crossing) {
+        const Position position = Locate(*cell, *bound);
         if (position == Position::InFront) {
-            return Settle(cell, isSubtract) || hasChanged;
+            return Settle(cell, isSubtract, isNew) || hasChanged;
         }
         if (position == Position::Crossing) {
-            ZULMRSCell* front = m_Splitter.Split(*cell, bound.m_Plane);
-            ZULMRSCell* outside = bound.m_Sign > 0 ? front : cell;
-            cell = bound.m_Sign > 0 ? cell : front;
-            hasChanged = Settle(outside, isSubtract) || hasChanged;
+            ZULMRSCell* front = m_Splitter.Split(*cell, bound->m_Plane);
+            ZULMRSCell* outside = bound->m_Sign > 0 ? front : cell;
+            cell = bound->m_Sign > 0 ? cell : front;
+            isNew = true;
+            hasChanged = Settle(outside, isSubtract, true) || hasChanged;
         }
     }
-    return Settle(cell, !isSubtract) || hasChanged;
+    return Settle(cell, !isSubtract, isNew) || hasChanged;
+}
+
+/// Collects the bounds that cross a cell, in the given order; false when the cell lies outside one of them.
+bool ZULMRSLeafCutter::FindCrossing(const ZULMRSCell& cell, const Range& bounds)
+{
+    m_Crossing.clear();
+    for (std::size_t index = bounds.m_First; index < bounds.m_First + bounds.m_Count; ++index) {
+        const Bound* bound = m_Stack.At(index);
+        const ZULMRSLeafBox::Position position = cell.m_Box.Locate(bound->m_Outward);
+        if (position == ZULMRSLeafBox::Position::InFront) {
+            return false;
+        }
+        if (position == ZULMRSLeafBox::Position::Unknown) {
+            m_Crossing.push_back(bound);
+        }
+    }
+    std::size_t nbCrossing = 0;
+    for (const Bound* bound : m_Crossing) {
+        const ZULMRSCellSplitter::Position position = LocateByVertices(cell, *bound);
+        if (position == ZULMRSCellSplitter::Position::InFront) {
+            return false;
+        }
+        if (position == ZULMRSCellSplitter::Position::Crossing) {
+            m_Crossing[nbCrossing++] = bound;
+        }
+    }
+    m_Crossing.resize(nbCrossing);
+    return true;
 }
 
 /// Where a cell lies with respect to a tool's plane, front being the side that the tool leaves alone.
@@ -173,6 +187,12 @@ ZULMRSCellSplitter::Position ZULMRSLeafCutter::Locate(const ZULMRSCell& cell, co
         case ZULMRSLeafBox::Position::Unknown:
             break;
     }
+    return LocateByVertices(cell, bound);
+}
+
+ZULMRSCellSplitter::Position ZULMRSLeafCutter::LocateByVertices(const ZULMRSCell& cell, const Bound& bound)
+{
+    using Position = ZULMRSCellSplitter::Position;
     const Position position = m_Splitter.Locate(cell, *bound.m_Plane);
     if (bound.m_Sign > 0 || position == Position::Crossing) {
         return position;
@@ -186,7 +206,7 @@ std::size_t ZULMRSLeafCutter::SplitIn(ZULMRSSpatialNode& node, const Bound& boun
         return 0;
     }
     if (node.IsLeaf()) {
-        return SplitLeaf(node, bound.m_Plane);
+        return SplitLeaf(node, bound);
     }
     std::size_t count = 0;
     for (ZULMRSSpatialNode& child : *node.m_Children) {
@@ -195,13 +215,16 @@ std::size_t ZULMRSLeafCutter::SplitIn(ZULMRSSpatialNode& node, const Bound& boun
     return count;
 }
 
-std::size_t ZULMRSLeafCutter::SplitLeaf(ZULMRSSpatialNode& node, ZULMRSBSPPlane* plane)
+std::size_t ZULMRSLeafCutter::SplitLeaf(ZULMRSSpatialNode& node, const Bound& bound)
 {
     std::vector<ZULMRSCell*>& cells = node.m_Cells;
     const std::size_t before = cells.size();
     for (std::size_t index = 0; index < before; ++index) {
-        if (m_Splitter.Locate(*cells[index], *plane) == ZULMRSCellSplitter::Position::Crossing) {
-            cells.push_back(m_Splitter.Split(*cells[index], plane));
+        if (Locate(*cells[index], bound) == ZULMRSCellSplitter::Position::Crossing) {
+            ZULMRSCell* front = m_Splitter.Split(*cells[index], bound.m_Plane);
+            m_Splitter.FitBox(*front);
+            m_Splitter.FitBox(*cells[index]);
+            cells.push_back(front);
         }
     }
     return cells.size() - before;
@@ -220,7 +243,8 @@ bool ZULMRSLeafCutter::Refine(ZULMRSSpatialNode& node)
     equation[axis] = 1.0;
     bool isOpposite = false;
     ZULMRSBSPPlane* wall = m_Factory.CreatePlane(equation, isOpposite, ZULMRSBSPCreatePlane_AcceptOpposite);
-    SplitLeaf(node, wall);
+    const Bound bound{wall, 1, wall->GetCoords()};
+    SplitLeaf(node, bound);
 
     node.m_Children = std::make_unique<std::array<ZULMRSSpatialNode, 2>>();
     ZULMRSSpatialNode& low = (*node.m_Children)[0];
@@ -229,7 +253,7 @@ bool ZULMRSLeafCutter::Refine(ZULMRSSpatialNode& node)
     low.m_Box.m_High[axis] = middle;
     high.m_Box.m_Low[axis] = middle;
     for (ZULMRSCell* cell : node.m_Cells) {
-        const bool isInFront = m_Splitter.Locate(*cell, *wall) == ZULMRSCellSplitter::Position::InFront;
+        const bool isInFront = Locate(*cell, bound) == ZULMRSCellSplitter::Position::InFront;
         (isInFront != isOpposite ? high : low).m_Cells.push_back(cell);
     }
     m_Splitter.Finish();

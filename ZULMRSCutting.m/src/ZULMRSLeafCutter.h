@@ -9,6 +9,7 @@
 #include "ZULMRSCellSplitter.h"
 #include "ZULMRSCuttingSolid.h"
 #include "ZULMRSSpatialNode.h"
+#include "ZULMRSToolBound.h"
 
 /// Applies tools to the leaves of the spatial division and refines them. What one thread needs for it; see
 /// ZULMRSCellSplitter for what several may do at once.
@@ -32,19 +33,20 @@ public:
     /// Refines the leaves that a tool may cut until they are no longer than the size.
     void Prepare(ZULMRSSpatialNode& node, const Bounds& bounds, double size);
 
-    /// The bounds that neither contain the node's box nor miss it, in the given order. False when one misses
-    /// the box, so that the tool does.
-    static bool FindActive(const ZULMRSSpatialNode& node, const Bounds& bounds, Bounds& active);
-
 private:
-    bool Visit(ZULMRSSpatialNode& node, const Bounds& bounds, Operation operation);
-    bool VisitChildren(ZULMRSSpatialNode& node, const Bounds& bounds, Operation operation);
+    using Range = ZULMRSBoundStack::Range;
+
+    void PrepareBelow(ZULMRSSpatialNode& node, const Range& bounds, double size);
+    bool Visit(ZULMRSSpatialNode& node, const Range& bounds, Operation operation);
+    bool VisitCrossed(ZULMRSSpatialNode& node, const Range& bounds, Operation operation);
     bool RemoveAll(ZULMRSSpatialNode& node);
-    bool CutLeaf(ZULMRSSpatialNode& node, const Bounds& bounds, Operation operation);
-    bool CutCell(ZULMRSCell* cell, const Bounds& bounds, Operation operation);
-    bool Settle(ZULMRSCell* part, bool isKept);
+    bool CutLeaf(ZULMRSSpatialNode& node, const Range& bounds, Operation operation);
+    bool CutCell(ZULMRSCell* cell, const Range& bounds, Operation operation);
+    bool Settle(ZULMRSCell* part, bool isKept, bool isNew);
+    bool FindCrossing(const ZULMRSCell& cell, const Range& bounds);
     ZULMRSCellSplitter::Position Locate(const ZULMRSCell& cell, const Bound& bound);
-    std::size_t SplitLeaf(ZULMRSSpatialNode& node, ZULMRSBSPPlane* plane);
+    ZULMRSCellSplitter::Position LocateByVertices(const ZULMRSCell& cell, const Bound& bound);
+    std::size_t SplitLeaf(ZULMRSSpatialNode& node, const Bound& bound);
     std::size_t SplitIn(ZULMRSSpatialNode& node, const Bound& bound);
     bool Refine(ZULMRSSpatialNode& node);
     void RefineCrowded(ZULMRSSpatialNode& node);
@@ -53,9 +55,10 @@ private:
     const ZULMRSCuttingOptions& m_Options;
     ZULMRSCellSplitter m_Splitter;
     ZULMRSCellProbe m_Probe;
+    ZULMRSBoundStack m_Stack;
     // Scratch.
     std::vector<ZULMRSCell*> m_Remaining;
-    Bounds m_Crossing;
+    std::vector<const Bound*> m_Crossing;
 };
 
 #endif

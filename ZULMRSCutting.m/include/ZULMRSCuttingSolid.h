@@ -22,7 +22,7 @@ struct ZULMRSCuttingOptions {
     /// largest extent.
     double m_LeafSize = 0.0;
     /// A leaf with more cells than this is divided further (down to a 16th of the leaf size).
-    std::size_t m_MaxCellsPerLeaf = 24;
+    std::size_t m_MaxCellsPerLeaf = 40;
     /// When positive, plane equations are snapped to the grid of this tolerance.
     double m_GriddingTolerance = 0.0;
     /// Threads that SubtractAll() and the reading of the result use; 0: one a processor. The result does not

@@ -43,6 +43,8 @@ public:
     std::vector<ZULMRSBSPPoint*> m_Vertices;
     /// Contains the cell for certain.
     ZULMRSLeafBox m_Box{};
+    /// The leaf of the spatial division that holds the cell; only compared.
+    const void* m_Leaf = nullptr;
 };
 
 #endif

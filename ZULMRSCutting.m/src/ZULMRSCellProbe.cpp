@@ -11,30 +11,50 @@ namespace
 constexpr double Tolerance = 1e-11;
 }  // namespace
 
-void ZULMRSCellProbe::Sort(const ZULMRSCell& cell, const ZULMRSCellOutline& outline, ZULMRSVertexTable& table,
+bool ZULMRSCellProbe::Sort(const ZULMRSCell& cell, const ZULMRSCellOutline& outline, ZULMRSVertexTable& table,
                            std::vector<const ZULMRSToolBound*>& bounds)
 {
     Sketch(cell, outline, table);
     for (std::size_t position = 0; position < bounds.size(); ++position) {
         if (!Clip(*bounds[position], position)) {
-            return;
+            return false;
         }
     }
-    m_IsBounding.assign(bounds.size(), 0);
+    m_Areas.assign(bounds.size(), 0.0);
     for (std::size_t index = 0; index < m_NbLoops; ++index) {
         if (m_Loops[index].m_Bound != NoBound) {
-            m_IsBounding[m_Loops[index].m_Bound] = 1;
+            m_Areas[m_Loops[index].m_Bound] = AreaOf(m_Loops[index]);
         }
     }
     m_Sorted.clear();
-    for (const bool wanted : {true, false}) {
-        for (std::size_t position = 0; position < bounds.size(); ++position) {
-            if ((m_IsBounding[position] != 0) == wanted) {
-                m_Sorted.push_back(bounds[position]);
-            }
+    for (std::size_t position = 0; position < bounds.size(); ++position) {
+        std::size_t place = m_Sorted.size();
+        m_Sorted.push_back({m_Areas[position], bounds[position]});
+        for (; place > 0 && m_Sorted[place - 1].first < m_Areas[position]; --place) {
+            std::swap(m_Sorted[place - 1], m_Sorted[place]);
         }
     }
-    bounds.swap(m_Sorted);
+    for (std::size_t position = 0; position < bounds.size(); ++position) {
+        bounds[position] = m_Sorted[position].second;
+    }
+    return true;
+}
+
+/// Twice the area, squared.
+double ZULMRSCellProbe::AreaOf(const Loop& loop) const
+{
+    const auto& apex = m_Vertices[loop.m_Corners.front()];
+    std::array<double, 3> normal{};
+    std::array<double, 3> previous{};
+    for (const Index corner : loop.m_Corners) {
+        const auto& at = m_Vertices[corner];
+        const std::array<double, 3> arm{at[0] - apex[0], at[1] - apex[1], at[2] - apex[2]};
+        normal[0] += previous[1] * arm[2] - previous[2] * arm[1];
+        normal[1] += previous[2] * arm[0] - previous[0] * arm[2];
+        normal[2] += previous[0] * arm[1] - previous[1] * arm[0];
+        previous = arm;
+    }
+    return normal[0] * normal[0] + normal[1] * normal[1] + normal[2] * normal[2];
 }
 
 void ZULMRSCellProbe::Sketch(const ZULMRSCell& cell, const ZULMRSCellOutline& outline,

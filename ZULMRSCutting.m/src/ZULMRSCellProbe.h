@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "ZULMRSCell.h"
@@ -11,14 +12,16 @@
 #include "ZULMRSToolBound.h"
 #include "ZULMRSVertexTable.h"
 
-/// Guesses, in plain doubles, which of a tool's planes will bound what it has in common with a cell, by
-/// clipping a sketch of the cell. Cutting by these first leaves the fewest pieces. Only the order rests on
-/// the guess, never a decision.
+/// Guesses, in plain doubles, how much each of a tool's planes will bound of what it has in common with a
+/// cell, by clipping a sketch of the cell. Cutting by the greatest faces first leaves the fewest pieces, now
+/// and for the tools to come. Only the order rests on the guess, never a decision.
 class ZULMRSCellProbe
 {
 public:
-    /// Moves the planes that seem to bound the common part to the front, each group in its given order.
-    void Sort(const ZULMRSCell& cell, const ZULMRSCellOutline& outline, ZULMRSVertexTable& table,
+    /// Puts the planes in the order of the faces that they seem to contribute to the common part, the
+    /// greatest first; those that seem to contribute none stay last, in their given order. False, and the
+    /// order as it was, when the tool and the cell seem to have nothing in common.
+    bool Sort(const ZULMRSCell& cell, const ZULMRSCellOutline& outline, ZULMRSVertexTable& table,
               std::vector<const ZULMRSToolBound*>& bounds);
 
 private:
@@ -46,6 +49,7 @@ private:
     void CutLoop(Loop& loop);
     Index Cut(Index start, Index end);
     void CloseWithWall(std::size_t position);
+    double AreaOf(const Loop& loop) const;
     Loop& NextLoop(std::size_t bound);
 
     std::vector<std::array<double, 3>> m_Vertices;
@@ -58,8 +62,8 @@ private:
     std::vector<Loop> m_Loops;
     std::size_t m_NbLoops = 0;
     std::vector<Index> m_Corners;
-    std::vector<char> m_IsBounding;
-    std::vector<const ZULMRSToolBound*> m_Sorted;
+    std::vector<double> m_Areas;  // of what each bound contributes to the common part
+    std::vector<std::pair<double, const ZULMRSToolBound*>> m_Sorted;
 };
 
 #endif

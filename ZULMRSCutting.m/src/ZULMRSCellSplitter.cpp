@@ -3,28 +3,11 @@
 #include <algorithm>
 #include <utility>
 
+#include "ZULMRSFaceEdges.h"
 #include "ZULSystem.h"
 
 namespace
 {
-using Points = std::vector<ZULMRSBSPPoint*>;
-
-/// The position of the edge between two points, in either direction; count when the polygon does not have it.
-std::size_t FindEdge(const Points& points, const ZULMRSBSPPoint* start, const ZULMRSBSPPoint* end)
-{
-    const std::size_t count = points.size();
-    const auto found = std::find(points.begin(), points.end(), start);
-    if (found == points.end()) {
-        return count;
-    }
-    const auto position = static_cast<std::size_t>(found - points.begin());
-    const std::size_t next = position + 1 == count ? 0 : position + 1;
-    if (points[next] == end) {
-        return next;
-    }
-    return points[position == 0 ? count - 1 : position - 1] == end ? position : count;
-}
-
 void Require(bool condition, const char* text, int line)
 {
     if (!condition) {
@@ -42,15 +25,7 @@ bool InsertRound(const ZULMRSCell* cell, const std::array<ZULMRSFace*, 2>& faces
     for (ZULMRSCell* other = face->GetOtherHolder(cell); other != nullptr;
          other = face->GetOtherHolder(other)) {
         other->m_Vertices.push_back(vertex);
-        ZULMRSFace* next = nullptr;
-        std::size_t edge = 0;
-        for (std::size_t position = 0; position < other->GetNbPolygons() && next == nullptr; ++position) {
-            ZULMRSFace* candidate = other->GetFace(position);
-            if (candidate != face) {
-                edge = FindEdge(candidate->GetPoints(), start, end);
-                next = edge < candidate->GetNbPoints() ? candidate : nullptr;
-            }
-        }
+        const auto [next, position, edge] = ZULMRSFindOtherFace(*other, face, start, end);
         if (next == faces[1]) {
             return true;
         }
@@ -62,44 +37,38 @@ bool InsertRound(const ZULMRSCell* cell, const std::array<ZULMRSFace*, 2>& faces
     return false;
 }
 
-/// Hands a polygon to a cell with a reference of the caller's.
-void HandOver(ZULMRSCell& cell, ZULMRSFace* face, char orientation)
-{
-    cell.GetPolygons().push_back(face);
-    cell.GetPolygonsOrientations().push_back(orientation);
-    face->HolderWith(orientation) = &cell;
-}
-
 char Opposite(char orientation)
 {
     return static_cast<char>(-static_cast<signed char>(orientation));
 }
 
-/// Copies the elements from one position to another of a ring, both included, to the end of a vector.
+/// Appends the elements of a ring from one position round to an earlier one, both included.
 template <class Element>
 void AppendArc(const std::vector<Element>& ring, std::size_t first, std::size_t last,
                std::vector<Element>& target)
 {
-    const auto at = [&](std::size_t position) {
-        return ring.begin() + static_cast<std::ptrdiff_t>(position);
-    };
-    if (first <= last) {
-        target.insert(target.end(), at(first), at(last + 1));
-    } else {
-        target.reserve(target.size() + ring.size() - first + last + 1);
-        target.insert(target.end(), at(first), ring.end());
-        target.insert(target.end(), ring.begin(), at(last + 1));
-    }
+    target.insert(target.end(), ring.begin() + static_cast<std::ptrdiff_t>(first), ring.end());
+    target.insert(target.end(), ring.begin(), ring.begin() + static_cast<std::ptrdiff_t>(last + 1));
 }
 
-/// Gives memory back that a part of a cell will hardly need again.
+/// Makes a vector the elements of a ring from one position to a later one, both included, with hardly more
+/// memory than needed.
 template <class Element>
-void ShrinkWhenLoose(std::vector<Element>& elements)
+void AssignArc(const std::vector<Element>& ring, std::size_t first, std::size_t last,
+               std::vector<Element>& target)
 {
-    constexpr std::size_t slack = 8;
-    if (elements.capacity() > elements.size() + slack) {
-        elements.shrink_to_fit();
+    const std::size_t size = last + 1 - first;
+    if (target.capacity() > size + 1) {
+        target = std::vector<Element>();
     }
+    target.assign(ring.begin() + static_cast<std::ptrdiff_t>(first),
+                  ring.begin() + static_cast<std::ptrdiff_t>(last + 1));
+}
+void ShrinkToFit(ZULMRSCell& cell)
+{
+    cell.m_Vertices.shrink_to_fit();
+    cell.GetPolygons().shrink_to_fit();
+    cell.GetPolygonsOrientations().shrink_to_fit();
 }
 }  // namespace
 
@@ -114,7 +83,7 @@ ZULMRSCell* ZULMRSMakeBoxCell(const ZULMathOBB& box, ZULMRSBSPObjectFactory& fac
     ZULMRSCell* cell = isComplete ? new ZULMRSCell() : nullptr;
     for (std::size_t position = 0; isComplete && position < polyhedron->GetNbPolygons(); ++position) {
         const ZULMRSBSPPolygon& polygon = *polyhedron->GetPolygon(position);
-        HandOver(
+        ZULMRSHandOver(
             *cell,
             new ZULMRSFace(polygon.GetSupportingPlane(), std::vector<ZULMRSBSPPlane*>(polygon.GetAllEdges()),
                            std::vector<ZULMRSBSPPoint*>(polygon.GetPoints()),
@@ -175,20 +144,21 @@ ZULMRSCell* ZULMRSCellSplitter::Split(ZULMRSCell& cell, ZULMRSBSPPlane* plane)
     MakeVertices(cell, plane);
     auto* front = new ZULMRSCell();
     front->m_Box = cell.m_Box;
+    front->m_Leaf = cell.m_Leaf;
     PartFaces(cell, *front, plane);
 
     // The wall turns positively about the plane's normal, which points out of the part behind.
     ZULMRSFace* wall = MakeWall(plane);
-    HandOver(*front, wall, -1);
+    ZULMRSHandOver(*front, wall, -1);
     wall->AddRef();
-    HandOver(cell, wall, 1);
+    ZULMRSHandOver(cell, wall, 1);
 
     PartVertices(cell, *front);
     m_Outline.Forget();
     return front;
 }
 
-void ZULMRSCellSplitter::FitBox(ZULMRSCell& cell)
+void ZULMRSCellSplitter::Fit(ZULMRSCell& cell)
 {
     m_Outline.Open(cell, m_Table);
     ZULMRSLeafBox box = ZULMRSLeafBox::Empty();
@@ -196,6 +166,17 @@ void ZULMRSCellSplitter::FitBox(ZULMRSCell& cell)
         box.Include(m_Table.PlaceOf(vertex));
     }
     cell.m_Box = box;
+    ShrinkToFit(cell);
+}
+
+void ZULMRSCellSplitter::Merge(ZULMRSCell& cell)
+{
+    const std::size_t nbEmptied = m_Emptied.size();
+    m_Merger.Merge(cell, m_Emptied);
+    if (m_Emptied.size() != nbEmptied) {
+        m_Outline.Forget();
+        ShrinkToFit(cell);
+    }
 }
 
 void ZULMRSCellSplitter::Remove(ZULMRSCell* cell)
@@ -203,17 +184,37 @@ void ZULMRSCellSplitter::Remove(ZULMRSCell* cell)
     for (std::size_t position = 0; position < cell->GetNbPolygons(); ++position) {
         cell->GetFace(position)->HolderWith(cell->GetPolygonOrientation(position)) = nullptr;
     }
-    m_Removed.push_back(cell);
+    m_Outline.Forget();
+    cell->Release();
+}
+
+ZULMRSCell* ZULMRSCellSplitter::CopyAlone(const ZULMRSCell& cell)
+{
+    auto* copy = new ZULMRSCell();
+    copy->m_Box = cell.m_Box;
+    copy->m_Vertices = cell.m_Vertices;
+    copy->GetPolygons().reserve(cell.GetNbPolygons());
+    copy->GetPolygonsOrientations().reserve(cell.GetNbPolygons());
+    for (std::size_t position = 0; position < cell.GetNbPolygons(); ++position) {
+        const ZULMRSFace& face = *cell.GetFace(position);
+        ZULMRSHandOver(
+            *copy,
+            new ZULMRSFace(face.GetSupportingPlane(), std::vector<ZULMRSBSPPlane*>(face.GetAllEdges()),
+                           std::vector<ZULMRSBSPPoint*>(face.GetPoints()),
+                           std::vector<char>(face.GetAllEdgeOrientations())),
+            cell.GetPolygonOrientation(position));
+    }
+    return copy;
 }
 
 void ZULMRSCellSplitter::Finish()
 {
     m_Table.Clear();
     m_Outline.Forget();
-    for (ZULMRSCell* cell : m_Removed) {
+    for (ZULMRSCell* cell : m_Emptied) {
         cell->Release();
     }
-    m_Removed.clear();
+    m_Emptied.clear();
 }
 
 void ZULMRSCellSplitter::FindSides()
@@ -343,13 +344,11 @@ void ZULMRSCellSplitter::PartFaces(ZULMRSCell& cell, ZULMRSCell& front, ZULMRSBS
             inFront = isFirstInFront ? face : second;
         }
         AddWallEdges(face->GetSupportingPlane(), position, orientation);
-        HandOver(front, inFront, orientation);
+        ZULMRSHandOver(front, inFront, orientation);
     }
     cell.GetPolygons().resize(nbKept);
     cell.GetPolygonsOrientations().resize(nbKept);
-    ShrinkWhenLoose(cell.GetPolygons());
-    ShrinkWhenLoose(cell.GetPolygonsOrientations());
-    // Exactly as long as needed, with the wall.
+    // Room for the wall.
     cell.GetPolygons().reserve(nbKept + 1);
     cell.GetPolygonsOrientations().reserve(nbKept + 1);
 }
@@ -376,12 +375,9 @@ ZULMRSFace* ZULMRSCellSplitter::SplitFace(ZULMRSCell& cell, ZULMRSFace& face, st
     AppendArc(m_Loop.m_Points, last, first, rest->GetPoints());
     AppendArc(m_Loop.m_Edges, last, first, rest->GetAllEdges());
     AppendArc(m_Loop.m_Orientations, last, first, rest->GetAllEdgeOrientations());
-    face.GetPoints().clear();
-    face.GetAllEdges().clear();
-    face.GetAllEdgeOrientations().clear();
-    AppendArc(m_Loop.m_Points, first, last, face.GetPoints());
-    AppendArc(m_Loop.m_Edges, first, last, face.GetAllEdges());
-    AppendArc(m_Loop.m_Orientations, first, last, face.GetAllEdgeOrientations());
+    AssignArc(m_Loop.m_Points, first, last, face.GetPoints());
+    AssignArc(m_Loop.m_Edges, first, last, face.GetAllEdges());
+    AssignArc(m_Loop.m_Orientations, first, last, face.GetAllEdgeOrientations());
 
     // Both ends belong to both; each edge belongs to the part in which it ends, and the plane closes both.
     m_Loop.m_Points[first]->AddRef();
@@ -399,7 +395,7 @@ ZULMRSFace* ZULMRSCellSplitter::SplitFace(ZULMRSCell& cell, ZULMRSFace& face, st
     if (ZULMRSCell* neighbour = face.GetOtherHolder(&cell)) {
         const char ofNeighbour = &cell == face.HolderWith(1) ? -1 : 1;
         rest->AddRef();
-        HandOver(*neighbour, rest, ofNeighbour);
+        ZULMRSHandOver(*neighbour, rest, ofNeighbour);
     }
     return rest;
 }
@@ -515,5 +511,4 @@ void ZULMRSCellSplitter::PartVertices(ZULMRSCell& cell, ZULMRSCell& front)
             cell.m_Vertices.push_back(m_Vertices[vertex]);
         }
     }
-    ShrinkWhenLoose(cell.m_Vertices);
 }

@@ -8,6 +8,7 @@
 
 #include "ZULMRSBSPObjectFactory.h"
 #include "ZULMRSCell.h"
+#include "ZULMRSCellMerger.h"
 #include "ZULMRSCellOutline.h"
 #include "ZULMRSVertexTable.h"
 #include "ZULMathOBB.h"
@@ -35,15 +36,21 @@ public:
     Position Locate(const ZULMRSCell& cell, const ZULMRSBSPPlane& plane);
 
     /// Splits a cell that the plane crosses: the cell becomes the part behind, the new cell returned, which
-    /// the caller owns, is the part in front. Both keep the box of the whole until FitBox().
+    /// the caller owns, is the part in front. Both keep the box of the whole until Fit().
     ZULMRSCell* Split(ZULMRSCell& cell, ZULMRSBSPPlane* plane);
 
-    /// Gives a cell the least box known to contain it.
-    void FitBox(ZULMRSCell& cell);
+    /// Gives a cell the least box known to contain it, and memory that it does not use back.
+    void Fit(ZULMRSCell& cell);
 
-    /// Takes a cell away from its neighbours, and the caller's reference on it. It dies at Finish(): until
-    /// then no point takes the address of another.
+    /// Joins a cell with neighbours in the same leaf as long as the union is convex. The neighbours are left
+    /// without vertices, and die at Finish().
+    void Merge(ZULMRSCell& cell);
+
+    /// Takes a cell away from its neighbours, and the caller's reference on it.
     void Remove(ZULMRSCell* cell);
+
+    /// A cell like another, without neighbours, owned by the caller: to try out what splitting would give.
+    static ZULMRSCell* CopyAlone(const ZULMRSCell& cell);
 
     /// To be called before a plane that Locate() or Split() was given is released.
     void Finish();
@@ -113,7 +120,8 @@ private:
 
     ZULMRSVertexTable m_Table;
     ZULMRSCellOutline m_Outline;
-    std::vector<ZULMRSCell*> m_Removed;
+    ZULMRSCellMerger m_Merger{m_Table};
+    std::vector<ZULMRSCell*> m_Emptied;
     // Scratch. Vertices are counted as in the outline, those that are made after them.
     std::vector<ZULMRSBSPPoint*> m_Vertices;
     std::vector<signed char> m_Sides;

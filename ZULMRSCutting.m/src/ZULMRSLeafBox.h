@@ -28,6 +28,14 @@ struct ZULMRSLeafBox {
         }
     }
 
+    void Include(const ZULMRSLeafBox& other)
+    {
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            m_Low[axis] = std::min(m_Low[axis], other.m_Low[axis]);
+            m_High[axis] = std::max(m_High[axis], other.m_High[axis]);
+        }
+    }
+
     enum class Position { InFront, Behind, Unknown };
 
     /// Where the whole box lies with respect to a plane; Unknown also where doubles cannot tell.

@@ -95,10 +95,18 @@ bool ZULMRSLeafCutter::RemoveAll(ZULMRSSpatialNode& node)
 bool ZULMRSLeafCutter::CutLeaf(ZULMRSSpatialNode& node, const Range& bounds, Operation operation)
 {
     m_Remaining.clear();
+    m_New.clear();
     bool hasChanged = false;
     for (ZULMRSCell* cell : node.m_Cells) {
         hasChanged = CutCell(cell, bounds, operation) || hasChanged;
     }
+    for (ZULMRSCell* cell : m_New) {
+        if (!cell->m_Vertices.empty()) {
+            m_Splitter.Merge(*cell);
+        }
+    }
+    const auto isEmptied = [](const ZULMRSCell* cell) { return cell->m_Vertices.empty(); };
+    m_Remaining.erase(std::remove_if(m_Remaining.begin(), m_Remaining.end(), isEmptied), m_Remaining.end());
     node.m_Cells.assign(m_Remaining.begin(), m_Remaining.end());
     return hasChanged;
 }
@@ -111,7 +119,8 @@ bool ZULMRSLeafCutter::Settle(ZULMRSCell* part, bool isKept, bool isNew)
         return true;
     }
     if (isNew) {
-        m_Splitter.FitBox(*part);
+        m_Splitter.Fit(*part);
+        m_New.push_back(part);
     }
     m_Remaining.push_back(part);
     return false;
@@ -127,7 +136,11 @@ bool ZULMRSLeafCutter::CutCell(ZULMRSCell* cell, const Range& bounds, Operation 
         return Settle(cell, isSubtract, false);
     }
     if (m_Crossing.size() > 1) {
-        m_Probe.Sort(*cell, m_Splitter.GetOutline(*cell), m_Splitter.GetTable(), m_Crossing);
+        const ZULMRSCellOutline& outline = m_Splitter.GetOutline(*cell);
+        if (!m_Probe.Sort(*cell, outline, m_Splitter.GetTable(), m_Crossing) &&
+            (m_Separation.Misses(outline, m_Splitter.GetTable(), m_Crossing) || Misses(*cell))) {
+            return Settle(cell, isSubtract, false);
+        }
     }
     bool hasChanged = false;
     bool isNew = false;
@@ -145,6 +158,27 @@ bool ZULMRSLeafCutter::CutCell(ZULMRSCell* cell, const Range& bounds, Operation 
         }
     }
     return Settle(cell, !isSubtract, isNew) || hasChanged;
+}
+
+/// Whether the tool, all of whose bounds in question cross a cell, has nothing inside it. Tried out apart:
+/// splits that lead to nothing would stay.
+bool ZULMRSLeafCutter::Misses(const ZULMRSCell& cell)
+{
+    ZULMRSCell* part = ZULMRSCellSplitter::CopyAlone(cell);
+    for (const Bound* bound : m_Crossing) {
+        const ZULMRSCellSplitter::Position position = LocateByVertices(*part, *bound);
+        if (position == ZULMRSCellSplitter::Position::InFront) {
+            m_Splitter.Remove(part);
+            return true;
+        }
+        if (position == ZULMRSCellSplitter::Position::Crossing) {
+            ZULMRSCell* front = m_Splitter.Split(*part, bound->m_Plane);
+            m_Splitter.Remove(bound->m_Sign > 0 ? front : part);
+            part = bound->m_Sign > 0 ? part : front;
+        }
+    }
+    m_Splitter.Remove(part);
+    return false;
 }
 
 /// Collects the bounds that cross a cell, in the given order; false when the cell lies outside one of them.
@@ -222,8 +256,8 @@ std::size_t ZULMRSLeafCutter::SplitLeaf(ZULMRSSpatialNode& node, const Bound& bo
     for (std::size_t index = 0; index < before; ++index) {
         if (Locate(*cells[index], bound) == ZULMRSCellSplitter::Position::Crossing) {
             ZULMRSCell* front = m_Splitter.Split(*cells[index], bound.m_Plane);
-            m_Splitter.FitBox(*front);
-            m_Splitter.FitBox(*cells[index]);
+            m_Splitter.Fit(*front);
+            m_Splitter.Fit(*cells[index]);
             cells.push_back(front);
         }
     }
@@ -254,7 +288,9 @@ bool ZULMRSLeafCutter::Refine(ZULMRSSpatialNode& node)
     high.m_Box.m_Low[axis] = middle;
     for (ZULMRSCell* cell : node.m_Cells) {
         const bool isInFront = Locate(*cell, bound) == ZULMRSCellSplitter::Position::InFront;
-        (isInFront != isOpposite ? high : low).m_Cells.push_back(cell);
+        ZULMRSSpatialNode& child = isInFront != isOpposite ? high : low;
+        child.m_Cells.push_back(cell);
+        cell->m_Leaf = &child;
     }
     m_Splitter.Finish();
     wall->Release();

@@ -8,6 +8,7 @@
 #include "ZULMRSCellProbe.h"
 #include "ZULMRSCellSplitter.h"
 #include "ZULMRSCuttingSolid.h"
+#include "ZULMRSSeparation.h"
 #include "ZULMRSSpatialNode.h"
 #include "ZULMRSToolBound.h"
 
@@ -43,6 +44,7 @@ private:
     bool CutLeaf(ZULMRSSpatialNode& node, const Range& bounds, Operation operation);
     bool CutCell(ZULMRSCell* cell, const Range& bounds, Operation operation);
     bool Settle(ZULMRSCell* part, bool isKept, bool isNew);
+    bool Misses(const ZULMRSCell& cell);
     bool FindCrossing(const ZULMRSCell& cell, const Range& bounds);
     ZULMRSCellSplitter::Position Locate(const ZULMRSCell& cell, const Bound& bound);
     ZULMRSCellSplitter::Position LocateByVertices(const ZULMRSCell& cell, const Bound& bound);
@@ -55,9 +57,11 @@ private:
     const ZULMRSCuttingOptions& m_Options;
     ZULMRSCellSplitter m_Splitter;
     ZULMRSCellProbe m_Probe;
+    ZULMRSSeparation m_Separation;
     ZULMRSBoundStack m_Stack;
     // Scratch.
     std::vector<ZULMRSCell*> m_Remaining;
+    std::vector<ZULMRSCell*> m_New;  // those of them that have just been cut
     std::vector<const Bound*> m_Crossing;
 };
 

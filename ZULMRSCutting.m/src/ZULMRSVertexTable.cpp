@@ -1,24 +1,6 @@
 #include "ZULMRSVertexTable.h"
 
-#include <cmath>
-#include <limits>
-
 #include "ZULMRSBSPPredicates.h"
-
-int ZULMRSVertexTable::Equation::SideOf(const ZULMRSPlace& place) const
-{
-    const auto& [a, b, c, d] = m_Values;
-    const auto& [x, y, z] = place.m_At;
-    const double height = a * x + b * y + (c * z + d);
-    // Six roundings of terms bounded by the magnitude, each by an epsilon in the worst mode, and room for the
-    // bound's own roundings; the smallest normal number covers underflow. A bound that is not a number
-    // decides nothing.
-    const double magnitude = std::fabs(a * x) + std::fabs(b * y) + (std::fabs(c * z) + std::fabs(d));
-    const double bound = 1.001 * m_Steepness * place.m_Error +
-                         8.0 * std::numeric_limits<double>::epsilon() * magnitude +
-                         16.0 * std::numeric_limits<double>::min();
-    return static_cast<int>(height > bound) - static_cast<int>(height < -bound);
-}
 
 void ZULMRSVertexTable::Turn(const ZULMRSBSPPlane& plane)
 {
@@ -27,9 +9,7 @@ void ZULMRSVertexTable::Turn(const ZULMRSBSPPlane& plane)
     }
     m_Plane = &plane;
     ++m_Turns;
-    m_Equation.m_Values = plane.GetCoords();
-    const auto& values = m_Equation.m_Values;
-    m_Equation.m_Steepness = std::fabs(values[0]) + std::fabs(values[1]) + std::fabs(values[2]);
+    m_HeightAt = ZULMRSHeightFunction(plane.GetCoords());
 }
 
 int ZULMRSVertexTable::Decide(Entry& entry)
@@ -48,6 +28,7 @@ ZULMRSVertexTable::Index ZULMRSVertexTable::Add(ZULMRSBSPPoint* point)
     }
     m_Slots[Find(point)] = {point, m_Generation, index};
     m_Entries.emplace_back().m_Point = point;
+    point->AddRef();
     return index;
 }
 

@@ -10,16 +10,22 @@
 #include "ZULMRSPlace.h"
 
 /// What one thread knows about the vertices that it meets: where each lies, and on which side of the plane at
-/// hand, decided once. Scratch that is emptied in constant time. The points must live until Clear().
+/// hand, decided once. Holds its points until Clear(): none of them dies and leaves its address to another.
 class ZULMRSVertexTable
 {
 public:
     using Index = std::uint32_t;
 
     ZULMRSVertexTable() : m_Slots(LeastSlots) {}
+    ~ZULMRSVertexTable() { Clear(); }
+    ZULMRSVertexTable(const ZULMRSVertexTable&) = delete;
+    ZULMRSVertexTable& operator=(const ZULMRSVertexTable&) = delete;
 
     void Clear()
     {
+        for (const Entry& entry : m_Entries) {
+            entry.m_Point->Release();
+        }
         m_Entries.clear();
         ++m_Generation;
         m_Plane = nullptr;
@@ -55,7 +61,7 @@ public:
         if (entry.m_SideStamp == m_Turns) {
             return entry.m_Side;
         }
-        const int side = m_Equation.SideOf(PlaceOf(index));
+        const int side = m_HeightAt.SideOf(PlaceOf(index));
         if (side != 0) {
             Keep(entry, side);
         }
@@ -86,13 +92,6 @@ private:
         signed char m_Side = 0;
         bool m_HasPlace = false;
     };
-    struct Equation {
-        std::array<double, 4> m_Values{};
-        double m_Steepness = 0.0;  // what an error in each coordinate is multiplied by at most
-
-        int SideOf(const ZULMRSPlace& place) const;
-    };
-
     void Keep(Entry& entry, int side)
     {
         entry.m_Side = static_cast<signed char>(side);
@@ -119,7 +118,7 @@ private:
     std::vector<Entry> m_Entries;
     std::uint32_t m_Generation = 1;
     const ZULMRSBSPPlane* m_Plane = nullptr;
-    Equation m_Equation;
+    ZULMRSHeightFunction m_HeightAt{{}};
     std::uint64_t m_Turns = 0;
 };
 

@@ -1,6 +1,7 @@
 #include "ZULMRSBSPPolygon.h"
 
 #include <algorithm>
+#include <cstring>
 #include <functional>
 #include <ostream>
 #include <thread>
@@ -55,15 +56,17 @@ void EraseAt(std::vector<Value>& values, std::size_t position)
     }
 }
 
-/// The arrays are short: moving up one by one costs less than any call.
+/// Where there is no room, as much more as fills the heap's blocks, the least of which take 24 bytes.
 template <class Value>
 void InsertAt(std::vector<Value>& values, std::size_t position, Value value)
 {
-    values.push_back(value);
-    for (std::size_t i = values.size() - 1; i > position; --i) {
-        values[i] = values[i - 1];
+    if (values.size() == values.capacity()) {
+        values.reserve(std::max(2 * values.size() + 1, 24 / sizeof(Value)));
     }
-    values[position] = value;
+    values.push_back(value);
+    Value* const place = values.data() + position;
+    std::memmove(place + 1, place, (values.size() - 1 - position) * sizeof(Value));
+    *place = value;
 }
 
 template <class Object>

@@ -10,6 +10,7 @@
 #include "ZULMRSBSPFilter.h"
 #include "ZULMRSBSPFormulas.h"
 #include "ZULMRSBSPIntegerForms.h"
+#include "ZULMRSBSPPlaneRows.h"
 #include "ZULMRSBSPSign.h"
 #include "ZULMRSBSPSignKernels.h"
 #include "ZULMRSBSPStages.h"
@@ -90,6 +91,12 @@ inline ZULMRSBSPSign FilterNormals(const ZULMRSBSPPlane& p1, const ZULMRSBSPPlan
 {
     return ZULMRSBSPStages::Run<ZULExpDynamic>([&] { return EvaluateNormals<ZULExpDynamic>(p1, p2, p3); });
 }
+inline ZULMRSBSPSign NormalsByRows(const ZULMRSBSPPlane& p1, const ZULMRSBSPPlane& p2,
+                                   const ZULMRSBSPPlane& p3)
+{
+    return ZULMRSBSPStages::Counted(ZULMRSBSPStage::Exact,
+                                    ZULMRSBSPPlaneRows::DeterminantOfNormals(p1, p2, p3));
+}
 inline ZULMRSBSPSign IntervalNormals(const ZULMRSBSPPlane& p1, const ZULMRSBSPPlane& p2,
                                      const ZULMRSBSPPlane& p3)
 {
@@ -122,9 +129,9 @@ inline ZULMRSBSPSign DeterminantOfNormals(const ZULMRSBSPPlane& p1, const ZULMRS
         return ZULMRSBSPKernel<ZULMRSBSPDeterminant3x3Kernel>::Decide(
             {p[0], p[1], p[2], q[0], q[1], q[2], r[0], r[1], r[2]});
     }
-    return ZULMRSBSPStages::FirstDecided([&] { return FilterNormals(p1, p2, p3); },
-                                         [&] { return IntervalNormals(p1, p2, p3); },
-                                         [&] { return ExactNormals(p1, p2, p3); });
+    return ZULMRSBSPStages::FirstDecided(
+        [&] { return FilterNormals(p1, p2, p3); }, [&] { return NormalsByRows(p1, p2, p3); },
+        [&] { return IntervalNormals(p1, p2, p3); }, [&] { return ExactNormals(p1, p2, p3); });
 }
 
 //---------------------------------------------------------------- minors of two equations
@@ -160,6 +167,11 @@ inline ZULMRSBSPSign FilterMinor(const ZULMRSBSPPlane& p, const ZULMRSBSPPlane& 
         return sign.IsDecided() ? sign : EvaluateMinor<ZULExpDynamic>(p, q, i, j);
     });
 }
+inline ZULMRSBSPSign MinorByRows(const ZULMRSBSPPlane& p, const ZULMRSBSPPlane& q, std::size_t i,
+                                 std::size_t j)
+{
+    return ZULMRSBSPStages::Counted(ZULMRSBSPStage::Exact, ZULMRSBSPPlaneRows::Minor(p, q, i, j));
+}
 inline ZULMRSBSPSign ExactMinor(const ZULMRSBSPPlane& p, const ZULMRSBSPPlane& q, std::size_t i,
                                 std::size_t j)
 {
@@ -183,6 +195,7 @@ inline ZULMRSBSPSign Minor(const ZULMRSBSPPlane& p, const ZULMRSBSPPlane& q, boo
             {Coefficient(p, i), Coefficient(p, j), Coefficient(q, i), Coefficient(q, j)});
     }
     return ZULMRSBSPStages::FirstDecided([&] { return FilterMinor(p, q, i, j); },
+                                         [&] { return MinorByRows(p, q, i, j); },
                                          [&] { return ExactMinor(p, q, i, j); });
 }
 

@@ -248,21 +248,31 @@ ZULMRSBSPSign InItsLength(const AnyQuestion& question, const Decide& decide)
     }
 }
 
+/// What decide(rows) says of the planes' rows, in the length that they need; undecided where they fit none.
+template <std::size_t NbPlanes, class Decide>
+ZULMRSBSPSign FromRows(const std::array<const ZULMRSBSPPlane*, NbPlanes>& planes, const Decide& decide)
+{
+    Question<NbPlanes> question;
+    if (!question.Ask(planes)) {
+        return ZULMRSBSPSign::Undecided();
+    }
+    return InItsLength(question, [&](auto length) {
+        constexpr std::size_t limbs = decltype(length)::NbLimbs;
+        std::array<Row<limbs>, NbPlanes> rows;
+        for (std::size_t i = 0; i < NbPlanes; ++i) {
+            rows[i] = question.template GetRow<limbs>(i);
+        }
+        return decide(rows);
+    });
+}
+
 /// The sign of a plane's equation at the meeting point of three others.
 inline ZULMRSBSPSign SideOfMeetingPoint(const ZULMRSBSPPlane& plane,
                                         const std::array<ZULMRSBSPPlane*, 3>& planes)
 {
-    Question<4> question;
-    if (!question.Ask({planes[0], planes[1], planes[2], &plane})) {
-        return ZULMRSBSPSign::Undecided();
-    }
-    return InItsLength(question, [&question](auto length) {
-        constexpr std::size_t limbs = decltype(length)::NbLimbs;
-        const auto meeting = ZULMRSBSPFormulas::MeetingPoint(question.template GetRow<limbs>(0),
-                                                             question.template GetRow<limbs>(1),
-                                                             question.template GetRow<limbs>(2));
-        return meeting[3].Sign() *
-               ZULMRSBSPFormulas::EquationAtHomogeneous(question.template GetRow<limbs>(3), meeting).Sign();
+    return FromRows<4>({planes[0], planes[1], planes[2], &plane}, [](const auto& rows) {
+        const auto meeting = ZULMRSBSPFormulas::MeetingPoint(rows[0], rows[1], rows[2]);
+        return meeting[3].Sign() * ZULMRSBSPFormulas::EquationAtHomogeneous(rows[3], meeting).Sign();
     });
 }
 
@@ -278,6 +288,35 @@ inline ZULMRSBSPSign SideOfCoordinates(const ZULMRSBSPPlane& plane, const std::a
         return ZULMRSBSPFormulas::EquationAtHomogeneous(question.template GetRow<limbs>(0),
                                                         question.template GetPoint<limbs>(0))
             .Sign();
+    });
+}
+
+/// The sign of the determinant of three normals.
+inline ZULMRSBSPSign DeterminantOfNormals(const ZULMRSBSPPlane& p1, const ZULMRSBSPPlane& p2,
+                                          const ZULMRSBSPPlane& p3)
+{
+    return FromRows<3>({&p1, &p2, &p3}, [](const auto& rows) {
+        const auto normal = [&rows](std::size_t i) { return std::array{rows[i][0], rows[i][1], rows[i][2]}; };
+        return ZULMRSBSPFormulas::Determinant3x3(normal(0), normal(1), normal(2)).Sign();
+    });
+}
+
+/// The sign of P_i Q_j - P_j Q_i.
+inline ZULMRSBSPSign Minor(const ZULMRSBSPPlane& p, const ZULMRSBSPPlane& q, std::size_t i, std::size_t j)
+{
+    return FromRows<2>({&p, &q}, [i, j](const auto& rows) {
+        return ZULMRSBSPFormulas::Determinant2x2(rows[0][i], rows[0][j], rows[1][i], rows[1][j]).Sign();
+    });
+}
+
+/// The sign of a coordinate of one meeting point minus that of another.
+inline ZULMRSBSPSign Order(const std::array<ZULMRSBSPPlane*, 3>& p, const std::array<ZULMRSBSPPlane*, 3>& q,
+                           std::size_t axis)
+{
+    return FromRows<6>({p[0], p[1], p[2], q[0], q[1], q[2]}, [axis](const auto& rows) {
+        const auto a = ZULMRSBSPFormulas::MeetingPoint(rows[0], rows[1], rows[2]);
+        const auto b = ZULMRSBSPFormulas::MeetingPoint(rows[3], rows[4], rows[5]);
+        return a[3].Sign() * b[3].Sign() * SignOfDifferenceOfProducts(a[axis], b[3], a[3], b[axis]);
     });
 }
 }  // namespace ZULMRSBSPPlaneRows

@@ -14,6 +14,7 @@
 #include "ZULMRSBSPMeetingIntegers.h"
 #include "ZULMRSBSPOrientation.h"
 #include "ZULMRSBSPPlaneRelations.h"
+#include "ZULMRSBSPPlaneRows.h"
 #include "ZULMRSBSPSign.h"
 #include "ZULMRSBSPSignKernels.h"
 #include "ZULMRSBSPStages.h"
@@ -232,6 +233,15 @@ inline ZULMRSBSPSign CompareKnown(double x, double y)
         ZULMRSBSPSign::FromNumber(static_cast<int>(x > y) - static_cast<int>(x < y)));
 }
 
+/// Of two three-planes points, from the numbers of all planes.
+inline ZULMRSBSPSign OrderByRows(const ZULMRSBSPPoint& p, const ZULMRSBSPPoint& q, std::size_t axis)
+{
+    return ZULMRSBSPDirectReads::Is3PlanesPoint(p) && ZULMRSBSPDirectReads::Is3PlanesPoint(q)
+               ? ZULMRSBSPStages::Counted(ZULMRSBSPStage::Exact,
+                                          ZULMRSBSPPlaneRows::Order(p.GetPlanes(), q.GetPlanes(), axis))
+               : ZULMRSBSPSign::Undecided();
+}
+
 inline ZULMRSBSPSign CompareCoordinate(const ZULMRSBSPPoint& p, const ZULMRSBSPPoint& q, std::size_t axis)
 {
     const std::array<double, 3>* a = ZULMRSBSPDirectReads::Coordinates(p);
@@ -243,6 +253,7 @@ inline ZULMRSBSPSign CompareCoordinate(const ZULMRSBSPPoint& p, const ZULMRSBSPP
         [&] {
             return ZULMRSBSPStages::Run<ZULExpDynamic>([&] { return CompareIn<ZULExpDynamic>(p, q, axis); });
         },
+        [&] { return OrderByRows(p, q, axis); },
         [&] {
             return ZULMRSBSPStages::RunChecked<ZULExpInterval>(
                 [&] { return CompareIn<ZULExpInterval>(p, q, axis); });

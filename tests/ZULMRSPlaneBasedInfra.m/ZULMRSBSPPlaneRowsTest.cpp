@@ -183,6 +183,41 @@ TEST(ZULMRSBSPPlaneRows, RowsThroughPointsFitAtTheGreatestCoordinates)
 
 //---------------------------------------------------------------- any input
 
+/// Three normals, minors of two planes, coordinates of two points.
+void ExpectRelationsToBeRight(Scene& scene, Random& random)
+{
+    const auto isRight = [](ZULMRSBSPSign sign, int expected) {
+        return !sign.IsDecided() || sign.ToKernelResult() == expected;
+    };
+    const std::array<PlaneCase, 3> planes = {scene.Plane(), scene.Plane(), scene.Plane()};
+    const std::array<DyadicPlane, 3> exact = {planes[0].m_Exact, planes[1].m_Exact, planes[2].m_Exact};
+    ASSERT_TRUE(isRight(
+        ZULMRSBSPPlaneRows::DeterminantOfNormals(*planes[0].m_Plane, *planes[1].m_Plane, *planes[2].m_Plane),
+        DyadicDeterminant(exact, 0, 1, 2).Sign()));
+    const auto i = static_cast<std::size_t>(random.Integer(0, 3));
+    const auto j = static_cast<std::size_t>(random.Integer(0, 3));
+    ASSERT_TRUE(isRight(ZULMRSBSPPlaneRows::Minor(*planes[0].m_Plane, *planes[1].m_Plane, i, j),
+                        (exact[0][i] * exact[1][j] - exact[0][j] * exact[1][i]).Sign()));
+    const PointCase p = scene.MeetingPoint();
+    const PointCase q = scene.MeetingPoint();
+    const std::size_t axis = i % 3;
+    ASSERT_TRUE(isRight(ZULMRSBSPPlaneRows::Order(p.m_Point->GetPlanes(), q.m_Point->GetPlanes(), axis),
+                        (p.m_Exact[axis] * q.m_Exact[3] - p.m_Exact[3] * q.m_Exact[axis]).Sign()));
+}
+
+TEST(ZULMRSBSPPlaneRows, RelationsAreRightWhereTheyAreDecidedInEveryRegime)
+{
+    const Silence silence;
+    Random random(73'006);
+    ForAllKinds(CasesPerPredicate / 10, [&](Regime regime, Position position, std::size_t count) {
+        for (std::size_t i = 0; i < count; ++i) {
+            Scene scene(random, regime, position);
+            ExpectRelationsToBeRight(scene, random);
+            ASSERT_FALSE(testing::Test::HasFatalFailure());
+        }
+    });
+}
+
 TEST(ZULMRSBSPPlaneRows, IsRightWhereItDecidesInEveryRegime)
 {
     const Silence silence;

@@ -39,7 +39,6 @@ public:
 private:
     enum class RepresentationState : unsigned char { Invalid, Valid, Pending, BeingMade };
 
-    bool Init();
     bool InitByIntegers();
     bool InitByNumbers();
     ZULExpSign_t ComputeFiltered();
@@ -50,11 +49,14 @@ private:
 
     /// First: with the object's head it is what decisions read.
     ZULMRSBSPIntegerForm m_IntegerForm;
-    /// Made when it is first asked for, where the integers have told how the triple is oriented.
-    mutable std::array<ZULExpDynamic, 4> m_Representation;
+    /// Made when it is first asked for, where the integers have told how the triple is oriented, and not
+    /// written before: hence no member that is initialised.
+    union {
+        mutable std::array<ZULExpDynamic, 4> m_Representation;
+    };
     mutable RepresentationState m_RepresentationState;
     /// The integers have exchanged two planes of the triple as it was given.
-    bool m_IsExchanged = false;
+    bool m_IsExchanged;
 
     friend struct ZULMRSBSPDirectReads;
 };

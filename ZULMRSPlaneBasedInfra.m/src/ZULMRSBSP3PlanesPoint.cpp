@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstddef>
 #include <limits>
+#include <new>
 #include <thread>
 #include <utility>
 
@@ -107,11 +108,14 @@ std::array<double, 4> QuotientsAndError(const ZULMRSBSPQuadrupleHolder<ZULExpInt
 }  // namespace
 
 ZULMRSBSP3PlanesPoint::ZULMRSBSP3PlanesPoint(const std::array<ZULMRSBSPPlane*, 3>& planes, bool& isValid)
-    : ZULMRSBSPPoint(planes),
-      m_Representation(Placeholders),
-      m_RepresentationState(RepresentationState::Invalid)
+    : ZULMRSBSPPoint(planes)
 {
-    isValid = Init();
+    isValid = InitByIntegers();
+    if (!isValid) {
+        new (&m_Representation) auto(Placeholders);
+        m_RepresentationState = RepresentationState::Invalid;
+        isValid = InitByNumbers();
+    }
 }
 
 ZULMRSBSP3PlanesPoint::ZULMRSBSP3PlanesPoint(std::array<ZULMRSBSPPlane*, 3>&& planes, bool& isValid)
@@ -140,15 +144,6 @@ ZULMRSBSP3PlanesPoint& ZULMRSBSP3PlanesPoint::operator=(const ZULMRSBSP3PlanesPo
 
 ZULMRSBSP3PlanesPoint::~ZULMRSBSP3PlanesPoint() = default;
 
-bool ZULMRSBSP3PlanesPoint::Init()
-{
-    m_IntegerForm = ZULMRSBSPIntegerForm();
-    if (std::find(m_Planes.begin(), m_Planes.end(), nullptr) != m_Planes.end()) {
-        return false;
-    }
-    return InitByIntegers() || InitByNumbers();
-}
-
 /// Orients the triple, where all planes keep exact integers and meet in one point.
 bool ZULMRSBSP3PlanesPoint::InitByIntegers()
 {
@@ -171,7 +166,11 @@ bool ZULMRSBSP3PlanesPoint::InitByIntegers()
 
 bool ZULMRSBSP3PlanesPoint::InitByNumbers()
 {
+    m_IntegerForm = ZULMRSBSPIntegerForm();
     m_IsExchanged = false;
+    if (std::find(m_Planes.begin(), m_Planes.end(), nullptr) != m_Planes.end()) {
+        return false;
+    }
     const ZULExpSign_t sign = ComputeFiltered();
     if (sign == ZULExpSignUncertain) {
         return OrientExactly();
@@ -239,6 +238,7 @@ void ZULMRSBSP3PlanesPoint::MakeRepresentation() const
     if (m_IsExchanged) {
         std::swap(planes[1], planes[2]);
     }
+    new (&m_Representation) auto(Placeholders);
     const ZULExpFloatScope scope;
     ComputeMeetingPoint(planes, m_Representation);
     const bool isValid = !scope.IsFaulted();
@@ -346,6 +346,8 @@ bool ZULMRSBSP3PlanesPoint::ReplacePlaneByEquivalentPlane(ZULMRSBSPPlane* newPla
     if (!ReplaceInTriple(newPlane, oldPlane)) {
         return false;
     }
-    Init();
+    if (!InitByIntegers()) {
+        InitByNumbers();
+    }
     return true;
 }

@@ -36,13 +36,15 @@ struct ZULMRSBSPDirectReads {
     {
         return point.HasRepresentation() ? &point.m_Representation : nullptr;
     }
-    /// The axis of a Cartesian plane's normal where that is a signed unit axis, otherwise -1; -2 for any
-    /// other plane.
+    static constexpr int NotCanonical = -1;
+    static constexpr int NotRead = -2;
+    /// The axis of a Cartesian plane's normal where that is a signed unit axis, otherwise NotCanonical;
+    /// NotRead for any other plane.
     static int CanonicalAxis(const ZULMRSBSPPlane& plane)
     {
         return Is<ZULMRSBSPCartesianPlane>(plane)
                    ? static_cast<const ZULMRSBSPCartesianPlane&>(plane).m_CanonicalAxis
-                   : -2;
+                   : NotRead;
     }
     static bool Is3PointsPlane(const ZULMRSBSPPlane& plane) { return Is<ZULMRSBSP3PointsPlane>(plane); }
     /// The integers that a plane or a point keeps; null for one of another class.

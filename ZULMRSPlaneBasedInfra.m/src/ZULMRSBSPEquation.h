@@ -29,7 +29,7 @@ inline bool ZULMRSBSPIsCartesian(const ZULMRSBSPPlane& plane)
 inline bool ZULMRSBSPIsCanonical(const ZULMRSBSPPlane& plane, int& axis)
 {
     const int canonicalAxis = ZULMRSBSPDirectReads::CanonicalAxis(plane);
-    if (canonicalAxis == -2) [[unlikely]] {
+    if (canonicalAxis == ZULMRSBSPDirectReads::NotRead) [[unlikely]] {
         return plane.IsCanonical(axis);
     }
     axis = canonicalAxis;

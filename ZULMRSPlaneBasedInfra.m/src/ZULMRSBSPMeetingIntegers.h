@@ -148,6 +148,10 @@ inline Meeting Meet(const Form& p, const Form& q, const Form& r)
 {
     const Minors minors = ZULMRSBSPFormulas::MeetingMinors(ToRow<Whole>(q), ToRow<Whole>(r));
     const Cutting<6> cutting(minors, BitsOfMinors);
+    Meeting meeting;
+    if (cutting.IsExact()) {
+        return MeetByExactMinors(p, minors, meeting) ? meeting : MeetExactly(p, q, r);
+    }
     const std::array<Upper, 6> factors = {{{cutting.Cut(minors[0])},
                                            {cutting.Cut(minors[1])},
                                            {cutting.Cut(minors[2])},
@@ -158,10 +162,6 @@ inline Meeting Meet(const Form& p, const Form& q, const Form& r)
     const std::uint64_t used = BitsInUse(v[0]) | BitsInUse(v[1]) | BitsInUse(v[2]) | BitsInUse(v[3]);
     constexpr std::uint64_t fewest = std::uint64_t{1} << (FewestBits - 1);
     const std::int64_t sign = v[3] >> 63;
-    Meeting meeting;
-    if (cutting.IsExact()) {
-        return MeetByExactMinors(p, minors, meeting) ? meeting : MeetExactly(p, q, r);
-    }
     if (!cutting.IsLong() || used - fewest >= (std::uint64_t{1} << InputBits) - fewest ||
         (v[3] < ErrorOfSums && v[3] > -ErrorOfSums)) [[unlikely]] {
         return MeetExactly(p, q, r);

@@ -5,6 +5,31 @@
 #include "ZULExpFloatStatus.h"
 #include "ZULMRSBSP3PlanesPoint.h"
 #include "ZULMRSBSPCartesianPoint.h"
+#include "ZULMRSBSPDirectReads.h"
+#include "ZULMRSBSPEquation.h"
+
+namespace
+{
+using PlaneTriple = std::array<ZULMRSBSPPlane*, 3>;
+
+/// Told without a call: a plane that is not canonical comes before any that would have to be asked.
+bool IsSurelyNotCanonical(const PlaneTriple& planes)
+{
+    for (const ZULMRSBSPPlane* plane : planes) {
+        const int axis = ZULMRSBSPDirectReads::CanonicalAxis(*plane);
+        if (axis < 0) {
+            return axis == ZULMRSBSPDirectReads::NotCanonical;
+        }
+    }
+    return false;
+}
+
+double Coefficient(const ZULMRSBSPPlane& plane, int index)
+{
+    const std::array<double, 4>* coords = ZULMRSBSPDirectReads::Coords(plane);
+    return coords != nullptr ? (*coords)[static_cast<std::size_t>(index)] : plane.GetDouble(index);
+}
+}  // namespace
 
 unsigned int ZULMRSBSPPoint::m_GID = 0;
 
@@ -72,7 +97,7 @@ ZULMRSBSPPoint* ZULMRSBSPPointNS::CreatePoint(ZULMRSBSPPlane* p1, ZULMRSBSPPlane
         return nullptr;
     }
     const std::array<ZULMRSBSPPlane*, 3> planes = {p1, p2, p3};
-    if (tryExactCartesian) {
+    if (tryExactCartesian && !IsSurelyNotCanonical(planes)) {
         const auto [isExact, coordinates] = IsIntersectionExactCartesian(planes);
         if (isExact) {
             ZULMRSBSPPoint* point = new (std::nothrow) ZULMRSBSPCartesianPoint(planes, coordinates);
@@ -103,11 +128,11 @@ std::pair<bool, std::array<double, 3>> ZULMRSBSPPointNS::IsIntersectionExactCart
     }
     for (std::size_t i = 0; i < planes.size(); ++i) {
         int axis = -1;
-        if (!planes[i]->IsCanonical(axis)) {
+        if (!ZULMRSBSPIsCanonical(*planes[i], axis)) {
             return {false, coordinates};
         }
         axes[i] = static_cast<std::size_t>(axis);
-        k[i] = planes[i]->GetDouble(axis);
+        k[i] = Coefficient(*planes[i], axis);
     }
     // Products of an offset and ones: exact, unless the caller has denormals treated as zero.
     const ZULExpFloatScope scope;
@@ -115,7 +140,7 @@ std::pair<bool, std::array<double, 3>> ZULMRSBSPPointNS::IsIntersectionExactCart
     const std::array<double, 3> factors = {(k[2] * k[1]) * f, (k[2] * k[0]) * f, (k[1] * k[0]) * f};
     for (std::size_t i = 0; i < planes.size(); ++i) {
         double& coordinate = coordinates[axes[i]];
-        coordinate = planes[i]->GetDouble(3) * factors[i];
+        coordinate = Coefficient(*planes[i], 3) * factors[i];
         ZULExpProcessor::Pin(coordinate);
     }
     return {true, coordinates};

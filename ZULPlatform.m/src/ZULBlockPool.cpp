@@ -75,17 +75,26 @@ public:
         m_FirstWord = std::min(m_FirstWord, i / 64);
         ++m_NbHere;
     }
-    /// Not from an empty chunk.
-    void* Take()
+    /// Appends blocks to a chain, so many or as many as there are; nb is reduced by their number.
+    Block** Take(Block** end, std::size_t& nb)
     {
-        while (m_IsHere[m_FirstWord] == 0) {
-            ++m_FirstWord;
+        std::size_t wanted = std::min(nb, m_NbHere);
+        nb -= wanted;
+        m_NbHere -= wanted;
+        const std::size_t size = SizeOf(m_Index);
+        for (; wanted != 0; ++m_FirstWord) {
+            std::uint64_t word = m_IsHere[m_FirstWord];
+            char* const blocks = GetBlocks() + 64 * m_FirstWord * size;
+            for (; word != 0 && wanted != 0; --wanted, word &= word - 1) {
+                *end = new (blocks + static_cast<std::size_t>(std::countr_zero(word)) * size) Block;
+                end = &(*end)->m_Next;
+            }
+            m_IsHere[m_FirstWord] = word;
+            if (word != 0) {
+                break;
+            }
         }
-        std::uint64_t& word = m_IsHere[m_FirstWord];
-        const std::size_t i = 64 * m_FirstWord + static_cast<std::size_t>(std::countr_zero(word));
-        word &= word - 1;
-        --m_NbHere;
-        return GetBlocks() + i * SizeOf(m_Index);
+        return end;
     }
 
     bool Contains(const void* block) const
@@ -145,18 +154,18 @@ public:
     Block* Take(std::size_t index, std::size_t& nb)
     {
         const std::lock_guard lock(m_Mutex);
+        const std::size_t nbWanted = nb;
+        std::size_t nbMissing = nb;
         Block* chain = nullptr;
         Block** end = &chain;
-        std::size_t count = 0;
-        for (; count < nb && (m_First != nullptr || AddChunk(index)); ++count) {
-            Block* const block = new (m_First->Take()) Block{nullptr};
-            *end = block;
-            end = &block->m_Next;
+        while (nbMissing != 0 && (m_First != nullptr || AddChunk(index))) {
+            end = m_First->Take(end, nbMissing);
             if (m_First->IsEmpty()) {
                 m_First = m_First->m_Next;
             }
         }
-        nb = count;
+        *end = nullptr;
+        nb = nbWanted - nbMissing;
         return chain;
     }
 

@@ -177,7 +177,7 @@ inline Meeting Meet(const Form& p, const Form& q, const Form& r)
 class Planes
 {
 public:
-    explicit Planes(const ZULMRSBSPPoint& point)
+    [[gnu::always_inline]] explicit Planes(const ZULMRSBSPPoint& point)
         : m_Forms{ZULMRSBSPDirectReads::ExactIntegers(point.GetP1()),
                   ZULMRSBSPDirectReads::ExactIntegers(point.GetP2()),
                   ZULMRSBSPDirectReads::ExactIntegers(point.GetP3())}
@@ -190,11 +190,11 @@ public:
         return m_Forms[0] != nullptr && m_Forms[1] != nullptr && m_Forms[2] != nullptr;
     }
     /// (X, Y, Z, W), each times one factor.
-    ExactPoint MeetingPoint() const
+    [[gnu::always_inline]] ExactPoint MeetingPoint() const
     {
         using ZULMRSBSPIntegerForms::ToInputs;
-        return ZULMRSBSPFormulas::MeetingPoint(ToInputs(*m_Forms[0]), ToInputs(*m_Forms[1]),
-                                               ToInputs(*m_Forms[2]));
+        const auto minors = ZULMRSBSPFormulas::MeetingMinors(ToInputs(*m_Forms[1]), ToInputs(*m_Forms[2]));
+        return ZULMRSBSPFormulas::MeetingPointOfMinors(ToInputs(*m_Forms[0]), minors);
     }
     Meeting Meet() const { return ZULMRSBSPMeetingIntegers::Meet(*m_Forms[0], *m_Forms[1], *m_Forms[2]); }
 

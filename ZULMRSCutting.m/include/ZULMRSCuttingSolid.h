@@ -18,7 +18,7 @@
 /// How a ZULMRSCuttingSolid keeps its cells compact and its planes apart. Lengths in the unit of the
 /// coordinates.
 struct ZULMRSCuttingOptions {
-    /// Leaves of the spatial division that a tool cuts are refined down to this size first; 0: a 16th of the
+    /// Leaves of the spatial division that a tool cuts are refined down to this size first; 0: a 12th of the
     /// largest extent.
     double m_LeafSize = 0.0;
     /// A leaf with more cells than this is divided further (down to a 16th of the leaf size).
@@ -46,7 +46,8 @@ public:
     ZULMRSCuttingSolid& operator=(const ZULMRSCuttingSolid&) = delete;
 
     /// Removes what lies inside the tool; true when anything was removed. A half-space whose normal is
-    /// refused (length zero or not finite) is left out.
+    /// refused (length zero or not finite) is left out. Cells that are cut are joined with neighbours where
+    /// both are convex together.
     bool Subtract(const ZULMRSConvexTool& tool);
     /// Told, on the calling thread, which part of the work is done: from 0 to 1, ascending.
     using ProgressCall = std::function<void(double part)>;

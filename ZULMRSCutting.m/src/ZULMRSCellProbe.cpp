@@ -111,9 +111,10 @@ bool ZULMRSCellProbe::Clip(const ZULMRSToolBound& bound, std::size_t position)
 bool ZULMRSCellProbe::LocateVertices(const std::array<double, 4>& equation, bool& isCut)
 {
     m_Heights.resize(m_Vertices.size());
+    m_Marks.resize(m_Vertices.size());
     const double most = std::fabs(equation[0]) * m_Farthest[0] + std::fabs(equation[1]) * m_Farthest[1] +
                         std::fabs(equation[2]) * m_Farthest[2] + std::fabs(equation[3]);
-    bool isBehind = false;
+    unsigned int marks = 0;
     for (const Index vertex : m_Live) {
         const auto& [x, y, z] = m_Vertices[vertex];
         double height = equation[0] * x + equation[1] * y + (equation[2] * z + equation[3]);
@@ -121,10 +122,11 @@ bool ZULMRSCellProbe::LocateVertices(const std::array<double, 4>& equation, bool
             height = 0.0;
         }
         m_Heights[vertex] = height;
-        isBehind = isBehind || height < 0.0;
-        isCut = isCut || height > 0.0;
+        m_Marks[vertex] = height < 0.0 ? IsBehind : (height > 0.0 ? IsInFront : IsOn);
+        marks |= m_Marks[vertex];
     }
-    return isBehind;
+    isCut = (marks & IsInFront) != 0;
+    return (marks & IsBehind) != 0;
 }
 
 void ZULMRSCellProbe::DropVerticesInFront()
@@ -132,7 +134,7 @@ void ZULMRSCellProbe::DropVerticesInFront()
     std::size_t nbKept = 0;
     for (const Index vertex : m_Live) {
         m_Live[nbKept] = vertex;
-        nbKept += m_Heights[vertex] <= 0.0 ? 1 : 0;
+        nbKept += m_Marks[vertex] != IsInFront ? 1 : 0;
     }
     m_Live.resize(nbKept);
     for (const CutVertex& cut : m_CutVertices) {
@@ -143,22 +145,18 @@ void ZULMRSCellProbe::DropVerticesInFront()
 /// False when nothing of the loop is left.
 bool ZULMRSCellProbe::ClipLoop(Loop& loop)
 {
-    bool isInFront = false;
-    bool isBehind = false;
-    int nbOn = 0;
+    unsigned int marks = 0;
     for (const Index corner : loop.m_Corners) {
-        const double height = m_Heights[corner];
-        isInFront = isInFront || height > 0.0;
-        isBehind = isBehind || height < 0.0;
-        nbOn += height == 0.0 ? 1 : 0;
+        marks |= m_Marks[corner];
     }
-    if (!isBehind) {
+    if (marks == IsBehind) {
+        return true;
+    }
+    if ((marks & IsBehind) == 0) {
         return false;
     }
-    if (isInFront) {
+    if ((marks & IsInFront) != 0) {
         CutLoop(loop);
-    } else if (nbOn < 2) {
-        return true;
     }
     if (loop.m_Corners.size() < 3) {
         return false;
@@ -166,7 +164,7 @@ bool ZULMRSCellProbe::ClipLoop(Loop& loop)
     // Every edge on the plane, passed the other way round, belongs to the wall.
     Index start = loop.m_Corners.back();
     for (const Index end : loop.m_Corners) {
-        if (m_Heights[start] == 0.0 && m_Heights[end] == 0.0) {
+        if (m_Marks[start] == IsOn && m_Marks[end] == IsOn) {
             m_WallEdges.push_back({end, start});
         }
         start = end;
@@ -179,10 +177,10 @@ void ZULMRSCellProbe::CutLoop(Loop& loop)
     m_Corners.clear();
     Index previous = loop.m_Corners.back();
     for (const Index corner : loop.m_Corners) {
-        if (m_Heights[previous] * m_Heights[corner] < 0.0) {
+        if ((m_Marks[previous] | m_Marks[corner]) == (IsBehind | IsInFront)) {
             m_Corners.push_back(Cut(previous, corner));
         }
-        if (m_Heights[corner] <= 0.0) {
+        if (m_Marks[corner] != IsInFront) {
             m_Corners.push_back(corner);
         }
         previous = corner;
@@ -209,6 +207,7 @@ ZULMRSCellProbe::Index ZULMRSCellProbe::Cut(Index start, Index end)
     const Index index = static_cast<Index>(m_Vertices.size());
     m_Vertices.push_back(vertex);
     m_Heights.push_back(0.0);
+    m_Marks.push_back(IsOn);
     m_CutVertices.push_back({edge, index});
     return index;
 }

@@ -28,6 +28,9 @@ private:
     using Index = std::uint32_t;
     static constexpr std::size_t NoBound = static_cast<std::size_t>(-1);
 
+    /// Where a vertex lies with respect to the plane at hand.
+    enum Mark : unsigned char { IsBehind = 1, IsInFront = 2, IsOn = 4 };
+
     struct Loop {
         std::size_t m_Bound = NoBound;  // which of the tool's planes it lies on, if any
         std::vector<Index> m_Corners;
@@ -56,6 +59,7 @@ private:
     std::vector<Index> m_Live;         // the vertices that no plane has cut off
     std::array<double, 3> m_Farthest;  // from 0 along each axis, of the cell
     std::vector<double> m_Heights;     // of live vertices above the plane at hand; 0 on it
+    std::vector<unsigned char> m_Marks;
     std::vector<CutVertex> m_CutVertices;
     std::vector<Edge> m_WallEdges;
     // Loops beyond the number in use keep their memory for the next cell.

@@ -17,7 +17,7 @@
 
 namespace
 {
-constexpr double LeafSizesPerExtent = 16.0;
+constexpr double LeafSizesPerExtent = 12.0;
 /// Parts of the division that are cut by one thread at a time, where there is enough to do in them.
 constexpr double PartSizePerLeafSize = 0.5;
 /// Planes in the factory that are not worth looking through.

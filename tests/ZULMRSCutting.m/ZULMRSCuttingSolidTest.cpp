@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 #include <sstream>
+#include <utility>
 
 #include "ZULKLOOutput.h"
 #include "ZULMRSCellCheck.h"
@@ -294,6 +295,88 @@ TEST_F(ZULMRSCuttingSolidTest, EverythingIsFreedWhenNothingIsLeft)
     solid.Compact();
     EXPECT_EQ(solid.GetFactory().Size(), 0U);
     EXPECT_TRUE(solid.ExtractSurface().m_Triangles.empty());
+}
+
+ZULMRSCuttingOptions LeavesOf(double size)
+{
+    ZULMRSCuttingOptions options;
+    options.m_LeafSize = size;
+    options.m_MaxCellsPerLeaf = 1000;
+    return options;
+}
+
+TEST_F(ZULMRSCuttingSolidTest, WhatIsConvexAgainIsOneCellAgain)
+{
+    ZULMRSCuttingSolid solid(AxisBox(0, 0, 0, 4, 4, 4), LeavesOf(100));
+    solid.Subtract(BoxTool(1, 1, 2, 3, 3, 5));
+    EXPECT_EQ(solid.GetNbCells(), 5U);
+    ExpectValid(solid);
+    solid.Subtract(BoxTool(-1, -1, 2, 5, 5, 5));
+    EXPECT_EQ(solid.GetNbCells(), 1U);
+    EXPECT_EQ(solid.GetNbSurfaceFaces(), 6U);
+    for (const ZULMRSBSPPolyhedron* cell : solid.GetCells()) {
+        for (const ZULMRSBSPPolygon* polygon : cell->GetPolygons()) {
+            EXPECT_EQ(polygon->GetNbPoints(), 4U) << "a vertex that nothing needs is left";
+        }
+    }
+    EXPECT_EQ(VolumeOf(solid), 32);
+    ExpectValid(solid);
+    ExpectClosed(solid);
+}
+
+TEST_F(ZULMRSCuttingSolidTest, CellsOfTwoLeavesStayApart)
+{
+    ZULMRSCuttingSolid solid(AxisBox(0, 0, 0, 4, 4, 4), LeavesOf(2));
+    solid.Subtract(BoxTool(1, 1, 1, 3, 3, 5));
+    solid.Subtract(BoxTool(-1, -1, 1, 5, 5, 5));
+    EXPECT_EQ(VolumeOf(solid), 16);
+    EXPECT_EQ(solid.GetNbCells(), 4U);
+    ExpectValid(solid);
+    ExpectClosed(solid);
+}
+
+// Many grooves over each other: whatever is cut up is put together again, and stays sound.
+TEST_F(ZULMRSCuttingSolidTest, LayersOfGroovesLeaveFewCells)
+{
+    Random random(29);
+    for (int round = 0; round < 8; ++round) {
+        ZULMRSCuttingSolid solid(AxisBox(0, 0, 0, 10, 10, 10), LeavesOf(100));
+        for (int groove = 0; groove < 12; ++groove) {
+            const double x = random.Between(0, 8);
+            const double y = random.Between(0, 8);
+            solid.Subtract(BoxTool(x, -1, random.Between(6, 9), x + 1.5, 11, 11));
+            solid.Subtract(BoxTool(-1, y, random.Between(6, 9), 11, y + 1.5, 11));
+            ExpectValid(solid);
+        }
+        solid.Subtract(BoxTool(-1, -1, 5, 11, 11, 11));
+        EXPECT_EQ(VolumeOf(solid), 500);
+        EXPECT_EQ(solid.GetNbCells(), 1U);
+        ExpectValid(solid);
+        EXPECT_EQ(solid.ExtractSurface().m_Triangles.size(), 12U);
+    }
+}
+
+TEST_F(ZULMRSCuttingSolidTest, AToolThatMissesACellThatAllItsPlanesCrossSplitsNothing)
+{
+    const std::pair<const char*, ZULMRSConvexTool> cases[] = {
+        {"wedge on an edge", {{{-2, 0, 1, 4}, {0.5, 0, -1, 2}}}},
+        {"wedge beside an edge", {{{-2, 0, 1, 4.25}, {0.5, 0, -1, 2.25}}}},
+        {"wedge on a face", {{{1, 0, -1, 2}, {-1, 0, -1, 6}}}},
+        {"tip on a face", {{{1, 0, -1, 2}, {-0.5, 1, -1, 3}, {-0.5, -1, -1, 7}}}},
+        {"tip over a face", {{{1, 0, -1, 2.5}, {-0.5, 1, -1, 3.5}, {-0.5, -1, -1, 7.5}}}},
+        {"one ulp over a face", {{{1, 0, -1, 0x1.0000000000001p+1}, {-1, 0, -1, 6}}}},
+    };
+    for (const auto& [name, tool] : cases) {
+        ZULMRSCuttingSolid solid(AxisBox(0, 0, 0, 4, 4, 4), LeavesOf(100));
+        EXPECT_FALSE(solid.Subtract(tool)) << name;
+        EXPECT_EQ(solid.GetNbCells(), 1U) << name;
+        EXPECT_EQ(solid.GetNbSurfaceFaces(), 6U) << name;
+        ExpectValid(solid);
+    }
+    ZULMRSCuttingSolid solid(AxisBox(0, 0, 0, 4, 4, 4), LeavesOf(100));
+    EXPECT_TRUE(solid.Subtract({{{1, 0, -1, 0x1.fffffffffffffp+0}, {-1, 0, -1, 6}}})) << "one ulp inside";
+    EXPECT_LT(VolumeOf(solid), 64);
+    ExpectValid(solid);
 }
 
 TEST_F(ZULMRSCuttingSolidTest, TheSameOperationsGiveTheSameMesh)

@@ -14,7 +14,7 @@ class ZULPlatform_API ZULBlockPool
 public:
     /// Blocks are multiples of this size, and aligned to it.
     static constexpr std::size_t Granularity = 16;
-    /// Greater ones, in bytes, come from ::operator new.
+    /// Greater ones, in bytes, come from the global heap.
     static constexpr std::size_t LargestSize = 512;
 
     ZULBlockPool() = delete;
@@ -26,7 +26,7 @@ public:
     /// The same where the size is no longer known: slow, for exceptional ends. Null is ignored.
     static void FreeOfUnknownSize(void* block) noexcept;
 
-    /// From now on every block is one of ::operator new, for programs that watch the heap. False, and without
+    /// From now on every block is one of the global heap, for programs that watch it. False, and without
     /// effect, when the pool has already given out a block of its own. Builds with an address or thread
     /// sanitizer are in this state from the beginning.
     static bool UseGlobalHeap() noexcept;

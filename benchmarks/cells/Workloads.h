@@ -1,6 +1,8 @@
 #ifndef ZULBenchCellsWorkloads_h
 #define ZULBenchCellsWorkloads_h
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -79,7 +81,8 @@ void RegisterSequence(const Sequence& sequence)
     };
     const auto single = [=](benchmark::State& state) {
         CheckCell<Maker>(state, sequence);
-        constexpr std::size_t nbCells = 8;
+        // Some hundred cuts, so that they fill no more of the caches than the cells of a program at work.
+        const std::size_t nbCells = std::clamp<std::size_t>(400 / sequence.m_Planes.size(), 2, 8);
         for ([[maybe_unused]] auto _ : state) {
             state.SetIterationTime(SecondsOfBatch<Maker>(sequence, nbCells));
         }

@@ -1,6 +1,7 @@
 // The library, by its public calls; every cell with an object factory of its own.
 #include <malloc.h>
 
+#include <cstdlib>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -44,6 +45,8 @@ private:
 ZUL_BENCH_DEFINE_PEER();
 void ZULBenchRegister()
 {
+    // One core: factories that end do not wake others to release their points.
+    setenv("MRS_DISABLE_PPL", "1", 1);
     // As in a long-lived program, memory once had is not given back, so that no page is fetched anew.
     mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
     mallopt(M_MMAP_THRESHOLD, std::numeric_limits<int>::max());

@@ -10,7 +10,7 @@ namespace ZULBench
 namespace
 {
 /// The box: face f is x_(f / 2) = -1 or 1, corner c has the sign of x_i in its bit i.
-constexpr std::array<std::array<int, 4>, 6> BoxLoops = {
+constexpr std::array<std::array<std::uint32_t, 4>, 6> BoxLoops = {
     {{0, 4, 6, 2}, {1, 3, 7, 5}, {0, 1, 5, 4}, {2, 6, 7, 3}, {0, 2, 3, 1}, {4, 5, 7, 6}}};
 
 double SignOfBit(std::size_t number, std::size_t bit)
@@ -44,7 +44,7 @@ ZulmrsCell::ZulmrsCell(ZULMRSBSPObjectFactory& factory) : m_Factory(factory)
     for (Index i = 0; i < 24; ++i) {
         const Index face = i / 4;
         const Index first = 4 * face;
-        const int start = BoxLoops[face][i % 4];
+        const Index start = BoxLoops[face][i % 4];
         m_HalfEdges.push_back({start, None, first + (i + 1) % 4, first + (i + 3) % 4, face});
         byEnds[start][BoxLoops[face][(i + 1) % 4]] = i;
         m_Vertices[start].m_HalfEdge = i;

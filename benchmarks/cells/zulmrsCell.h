@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "ZULMRSBSPObjectFactory.h"
@@ -35,16 +36,17 @@ public:
     bool IsSound() const;
 
 private:
-    using Index = int;
-    static constexpr Index None = -1;
-    struct Vertex {
+    using Index = std::uint32_t;
+    static constexpr Index None = ~Index{0};
+    // Of sizes that are powers of two, for short addresses.
+    struct alignas(64) Vertex {
         ZULMRSBSPPoint* m_Point;       ///< null: free
         std::array<double, 3> m_Hint;  ///< roughly where it is, for the walk
         Index m_HalfEdge;              ///< one that starts here
         int m_Cut;                     ///< the cut for which m_Side holds
         int m_Side;
     };
-    struct HalfEdge {
+    struct alignas(32) HalfEdge {
         Index m_Start;
         Index m_Twin;
         Index m_Next;

@@ -34,7 +34,8 @@ struct ZULMRSCuttingOptions {
 /// by both with opposite orientations; a polygon held once is on the surface), inside a spatial division by
 /// axis-parallel planes, so that an operation costs by what it touches. Every decision is exact. All planes
 /// come from the solid's own object factory. Not synchronised: one solid is used by one thread at a time,
-/// which may have it use more.
+/// which may have it use more. Nothing depends on the caller's floating-point environment, which is left as
+/// it was.
 class ZULMRSCutting_API ZULMRSCuttingSolid
 {
 public:
@@ -49,7 +50,8 @@ public:
     /// refused (length zero or not finite) is left out. Cells that are cut are joined with neighbours where
     /// both are convex together.
     bool Subtract(const ZULMRSConvexTool& tool);
-    /// Told, on the calling thread, which part of the work is done: from 0 to 1, ascending.
+    /// Told, on the calling thread, which part of the work is done: from 0 to 1, ascending. In the
+    /// caller's floating-point environment.
     using ProgressCall = std::function<void(double part)>;
     /// Removes what lies inside any of the tools, as Subtract() of one after the other would, and tells for
     /// each whether it removed anything. The same tools give the same cells whatever the number of threads;

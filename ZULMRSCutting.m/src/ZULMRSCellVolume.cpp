@@ -1,5 +1,6 @@
 #include "ZULMRSCellVolume.h"
 
+#include "ZULExpFloatStatus.h"
 #include "ZULMRSCellCheck.h"
 #include "ZULMRSNumbering.h"
 #include "ZULMRSPointLocation.h"
@@ -73,5 +74,8 @@ ZULMRSCompensatedSum ZULMRSSumVolumes(std::span<ZULMRSBSPPolyhedron* const> cell
 
 double ZULMRSVolumeOfCells(const std::vector<ZULMRSBSPPolyhedron*>& cells)
 {
-    return ZULMRSSumVolumes(cells).Get() / 6.0;
+    const ZULExpFloatScope scope;
+    double volume = ZULMRSSumVolumes(cells).Get() / 6.0;
+    ZULExpProcessor::Pin(volume);
+    return volume;
 }

@@ -4,6 +4,8 @@
 #include <bit>
 #include <utility>
 
+#include "ZULExpFloatStatus.h"
+
 void ZULMRSCutPlan::Collect(ZULMRSSpatialNode& node, std::uint32_t tool,
                             const ZULMRSBoundStack::Range& bounds)
 {
@@ -58,6 +60,7 @@ void ZULMRSCutPlan::FindTouching(ZULMRSSpatialNode& node, const ZULMRSLeafBox& b
 /// so that many can go on at once.
 ZULMRSTaskGraph ZULMRSCutPlan::Order()
 {
+    const ZULExpFloatScope scope;
     constexpr int lastColour = 63;
     struct Entry {
         int m_Colour;

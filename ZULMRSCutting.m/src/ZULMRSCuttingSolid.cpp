@@ -1,16 +1,27 @@
 #include "ZULMRSCuttingSolid.h"
 
+#include "ZULExpFloatStatus.h"
 #include "ZULMRSCuttingSolidImpl.h"
 
+// What computes does so in the default floating-point environment and leaves the caller's as it was. (A batch
+// does by parts, because it calls the caller back.)
+
 ZULMRSCuttingSolid::ZULMRSCuttingSolid(const ZULMathOBB& stock, const ZULMRSCuttingOptions& options)
-    : m_Impl(std::make_unique<Impl>(stock, options))
 {
+    const ZULExpFloatScope scope;
+    m_Impl = std::make_unique<Impl>(stock, options);
 }
 
-ZULMRSCuttingSolid::~ZULMRSCuttingSolid() = default;
+/// The factory tells what share of its planes was used again.
+ZULMRSCuttingSolid::~ZULMRSCuttingSolid()
+{
+    const ZULExpFloatScope scope;
+    m_Impl.reset();
+}
 
 bool ZULMRSCuttingSolid::Subtract(const ZULMRSConvexTool& tool)
 {
+    const ZULExpFloatScope scope;
     return m_Impl->Apply(tool, Impl::Operation::Subtract);
 }
 
@@ -22,11 +33,13 @@ std::vector<bool> ZULMRSCuttingSolid::SubtractAll(const std::vector<ZULMRSConvex
 
 bool ZULMRSCuttingSolid::KeepInside(const ZULMRSConvexTool& tool)
 {
+    const ZULExpFloatScope scope;
     return m_Impl->Apply(tool, Impl::Operation::KeepInside);
 }
 
 std::size_t ZULMRSCuttingSolid::Split(const std::array<double, 4>& equation)
 {
+    const ZULExpFloatScope scope;
     return m_Impl->Split(equation);
 }
 
@@ -47,11 +60,13 @@ std::vector<ZULMRSBSPPolyhedron*> ZULMRSCuttingSolid::GetCells() const
 
 double ZULMRSCuttingSolid::GetVolume() const
 {
+    const ZULExpFloatScope scope;
     return m_Impl->GetVolume();
 }
 
 ZULMRSSurfaceMesh ZULMRSCuttingSolid::ExtractSurface() const
 {
+    const ZULExpFloatScope scope;
     return m_Impl->ExtractSurface();
 }
 

@@ -7,6 +7,7 @@
 #include <thread>
 #include <utility>
 
+#include "ZULExpFloatStatus.h"
 #include "ZULMRSCellVolume.h"
 #include "ZULMRSCompensatedSum.h"
 #include "ZULMRSCutPlan.h"
@@ -35,6 +36,18 @@ bool LooksDown(const std::array<double, 4>& equation)
     const auto first =
         std::find_if(equation.begin(), equation.begin() + 3, [](double value) { return value != 0.0; });
     return first != equation.begin() + 3 && *first < 0.0;
+}
+
+double PartOf(std::size_t count, std::size_t total)
+{
+    auto dividend = static_cast<double>(count);
+    auto divisor = static_cast<double>(total);
+    const ZULExpFloatScope scope;
+    ZULExpProcessor::Pin(dividend);
+    ZULExpProcessor::Pin(divisor);
+    double quotient = dividend / divisor;
+    ZULExpProcessor::Pin(quotient);
+    return quotient;
 }
 }  // namespace
 
@@ -108,7 +121,17 @@ std::vector<bool> ZULMRSCuttingSolid::Impl::SubtractAll(const std::vector<ZULMRS
     std::vector<Bounds> bounds(tools.size());
     ZULMRSParallelFor(tools.size(), m_Options.m_NbThreads,
                       [&](std::size_t tool, std::size_t) { bounds[tool] = AcquireBounds(tools[tool]); });
+    ZULMRSCutPlan plan = Plan(bounds);
+    RunPlan(plan, bounds, hasCut, progress);
+    std::for_each(bounds.begin(), bounds.end(), ReleaseBounds);
+    CompactWhenDue();
+    return hasCut;
+}
 
+/// Divides the solid where the tools cut, and tells which of them cut in which part.
+ZULMRSCutPlan ZULMRSCuttingSolid::Impl::Plan(const std::vector<Bounds>& bounds)
+{
+    const ZULExpFloatScope scope;
     const double partSize = m_Options.m_LeafSize * PartSizePerLeafSize;
     for (const Bounds& tool : bounds) {
         m_Cutters.front()->Prepare(*m_Root, tool, partSize);
@@ -117,12 +140,10 @@ std::vector<bool> ZULMRSCuttingSolid::Impl::SubtractAll(const std::vector<ZULMRS
     for (std::size_t tool = 0; tool < bounds.size(); ++tool) {
         plan.AddTool(static_cast<std::uint32_t>(tool), bounds[tool]);
     }
-    RunPlan(plan, bounds, hasCut, progress);
-    std::for_each(bounds.begin(), bounds.end(), ReleaseBounds);
-    CompactWhenDue();
-    return hasCut;
+    return plan;
 }
 
+/// The progress call has the caller's floating-point environment, what the parts are cut in has not.
 void ZULMRSCuttingSolid::Impl::RunPlan(ZULMRSCutPlan& plan, const std::vector<Bounds>& bounds,
                                        std::vector<bool>& hasCut, const ProgressCall& progress)
 {
@@ -131,9 +152,12 @@ void ZULMRSCuttingSolid::Impl::RunPlan(ZULMRSCutPlan& plan, const std::vector<Bo
     std::mutex guard;
     plan.Run(m_Options.m_NbThreads, [&](const ZULMRSCutPlan::Task& task, std::size_t worker) {
         std::vector<std::uint32_t> effective;
-        for (const std::uint32_t tool : task.m_Tools) {
-            if (m_Cutters[worker]->Apply(*task.m_Node, bounds[tool], Operation::Subtract)) {
-                effective.push_back(tool);
+        {
+            const ZULExpFloatScope scope;
+            for (const std::uint32_t tool : task.m_Tools) {
+                if (m_Cutters[worker]->Apply(*task.m_Node, bounds[tool], Operation::Subtract)) {
+                    effective.push_back(tool);
+                }
             }
         }
         const std::lock_guard<std::mutex> lock(guard);
@@ -142,7 +166,7 @@ void ZULMRSCuttingSolid::Impl::RunPlan(ZULMRSCutPlan& plan, const std::vector<Bo
         }
         nbDone += task.m_Tools.size();
         if (worker == 0 && progress) {
-            progress(static_cast<double>(nbDone) / static_cast<double>(nbCuts));
+            progress(PartOf(nbDone, nbCuts));
         }
     });
 }
@@ -236,6 +260,7 @@ void ZULMRSCuttingSolid::Impl::CompactWhenDue()
 
 ZULMRSCuttingSolid::Impl::Bounds ZULMRSCuttingSolid::Impl::AcquireBounds(const ZULMRSConvexTool& tool)
 {
+    const ZULExpFloatScope scope;
     Bounds bounds;
     bounds.reserve(tool.m_HalfSpaces.size());
     for (const std::array<double, 4>& equation : tool.m_HalfSpaces) {

@@ -45,6 +45,7 @@ private:
     Bounds AcquireBounds(const ZULMRSConvexTool& tool);
     bool AcquireBound(const std::array<double, 4>& equation, Bounds& bounds);
     static void ReleaseBounds(const Bounds& bounds);
+    ZULMRSCutPlan Plan(const std::vector<Bounds>& bounds);
     void RunPlan(ZULMRSCutPlan& plan, const std::vector<Bounds>& bounds, std::vector<bool>& hasCut,
                  const ProgressCall& progress);
     void CompactWhenDue();

@@ -4,9 +4,7 @@
 #include <cmath>
 #include <limits>
 
-/// Of what Locate() sums: seven roundings of terms bounded by the magnitude, each by half an epsilon, doubled
-/// for the bound's own roundings; the smallest normal number covers underflow. A bound that is not a number
-/// decides nothing.
+/// Of what Locate() sums, its own roundings included. A bound that is not a number decides nothing.
 double ZULMRSLeafBox::BoundOfError(const std::array<double, 4>& equation) const
 {
     double magnitude = std::fabs(equation[3]);

@@ -38,7 +38,8 @@ struct ZULMRSLeafBox {
 
     enum class Position { InFront, Behind, Unknown };
 
-    /// Where the whole box lies with respect to a plane; Unknown also where doubles cannot tell.
+    /// Where the whole box lies with respect to a plane; Unknown also where doubles cannot tell. Proved in
+    /// docs/arithmetic.md, "The cutter's doubles".
     Position Locate(const std::array<double, 4>& equation) const
     {
         double least = equation[3];

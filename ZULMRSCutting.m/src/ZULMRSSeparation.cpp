@@ -18,7 +18,7 @@ bool ZULMRSSeparation::Misses(const ZULMRSCellOutline& outline, ZULMRSVertexTabl
             const Height* first = m_Heights.data() + i * m_NbVertices;
             const Height* second = m_Heights.data() + j * m_NbVertices;
             const double factor = FindFactor(first, second);
-            if (factor > 0.0 && IsProof(first, second, factor) &&
+            if (factor > 0.0 && factor < Infinity && IsProof(first, second, factor) &&
                 (m_Doubtful.empty() || (IsNowhereBehind(*bounds[i], outline, table) &&
                                         IsNowhereBehind(*bounds[j], outline, table)))) {
                 return true;
@@ -63,18 +63,18 @@ double ZULMRSSeparation::FindFactor(const Height* first, const Height* second) c
     return std::isfinite(most) ? 0.5 * (least + most) : 2.0 * least + 1.0;
 }
 
+bool ZULMRSSeparation::IsSumPositive(double first, double second, double factor)
+{
+    return first + factor * second > 0.0;
+}
+
 /// Whether the sum is certainly positive at every vertex, except at doubtful ones. Sums of lower bounds are
-/// lower bounds; a few roundings are covered by 8 epsilons of the terms, underflow by the smallest normal
-/// number. What is not a number is doubtful.
+/// lower bounds.
 bool ZULMRSSeparation::IsProof(const Height* first, const Height* second, double factor)
 {
     m_Doubtful.clear();
     for (std::size_t vertex = 0; vertex < m_NbVertices; ++vertex) {
-        const double a = first[vertex].m_Least;
-        const double b = factor * second[vertex].m_Least;
-        const double room = 8.0 * std::numeric_limits<double>::epsilon() * (std::fabs(a) + std::fabs(b)) +
-                            16.0 * std::numeric_limits<double>::min();
-        if (!(a + b > room)) {
+        if (!IsSumPositive(first[vertex].m_Least, second[vertex].m_Least, factor)) {
             m_Doubtful.push_back(vertex);
         }
     }

@@ -18,6 +18,11 @@ public:
     bool Misses(const ZULMRSCellOutline& outline, ZULMRSVertexTable& table,
                 const std::vector<const ZULMRSToolBound*>& bounds);
 
+    /// Whether first + factor * second is certainly positive, and so for all greater numbers; the factor is
+    /// positive and finite. Rounding to nearest can make the sum zero, but never turn it: see
+    /// docs/arithmetic.md, "The cutter's doubles". False for what is not a number.
+    static bool IsSumPositive(double first, double second, double factor);
+
 private:
     using Index = ZULMRSVertexTable::Index;
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "ZULExpFloatStatus.h"
 #include "ZULMRSCompensatedSum.h"
 #include "ZULMRSEdgeGroups.h"
 #include "ZULMRSFlatMesh.h"
@@ -68,6 +69,7 @@ double ZULMRSSurfaceMesh::GetVolume() const
     if (m_Vertices.empty()) {
         return 0.0;
     }
+    const ZULExpFloatScope scope;
     const ZULMathPoint apex = MiddleOf(m_Vertices);
     ZULMRSCompensatedSum sum;
     for (const auto& triangle : m_Triangles) {
@@ -76,7 +78,9 @@ double ZULMRSSurfaceMesh::GetVolume() const
                     ((m_Vertices[triangle[1]] - apex) ^ (m_Vertices[triangle[2]] - apex)));
         }
     }
-    return sum.Get() / 6.0;
+    double volume = sum.Get() / 6.0;
+    ZULExpProcessor::Pin(volume);
+    return volume;
 }
 
 ZULMRSSurfaceMesh ZULMRSMeshSurface(const std::vector<ZULMRSSurfacePolygon>& polygons)
@@ -91,5 +95,6 @@ ZULMRSSurfaceMesh ZULMRSMeshSurface(const std::vector<ZULMRSSurfacePolygon>& pol
 
 ZULMRSSurfaceMesh ZULMRSExtractSurface(const std::vector<ZULMRSBSPPolyhedron*>& cells)
 {
+    const ZULExpFloatScope scope;
     return ZULMRSMeshSurface(ZULMRSFindSurface(cells));
 }

@@ -10,10 +10,13 @@
 #include <thread>
 #include <utility>
 
+#include "ZULExpFloatStatus.h"
+
 namespace
 {
 /// Runs work(worker) on the calling thread and, as far as the system has them, on others; returns when all
-/// have ended. The work must not throw.
+/// have ended. The work must not throw. The others have the default floating-point environment, the calling
+/// thread what it has.
 template <class Work>
 void RunOnThreads(std::size_t nbThreads, const Work& work)
 {
@@ -21,7 +24,10 @@ void RunOnThreads(std::size_t nbThreads, const Work& work)
     threads.reserve(nbThreads);
     try {
         for (std::size_t worker = 1; worker < nbThreads; ++worker) {
-            threads.emplace_back([&work, worker] { work(worker); });
+            threads.emplace_back([&work, worker] {
+                const ZULExpFloatScope scope;
+                work(worker);
+            });
         }
     } catch (const std::system_error&) {
         // The threads there are do it all.

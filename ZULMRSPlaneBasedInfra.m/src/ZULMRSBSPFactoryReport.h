@@ -5,6 +5,8 @@
 #include <limits>
 #include <ostream>
 
+#include "ZULExpFloatStatus.h"
+
 /// Texts that the factories share. They are inserted into the diagnostic stream.
 namespace ZULMRSBSPFactoryReport
 {
@@ -28,6 +30,8 @@ struct TassSummary {
 
     friend std::ostream& operator<<(std::ostream& out, const TassSummary& summary)
     {
+        const ZULExpFloatScope
+            scope;  // the caller's rounding has no part in what is written, nor is it changed
         return out << summary.m_Owner << "::Tass : Nb " << summary.m_Objects
                    << " In Factory before Tass= " << static_cast<std::uint32_t>(summary.m_Before)
                    << " After Tass=" << static_cast<std::uint32_t>(summary.m_After)
@@ -45,6 +49,7 @@ struct Statistics {
 
     friend std::ostream& operator<<(std::ostream& out, const Statistics& statistics)
     {
+        const ZULExpFloatScope scope;
         statistics.WriteBanner(out);
         out << "Nb " << statistics.m_Objects << " Required for New : " << statistics.m_Required << "\n"
             << "Nb " << statistics.m_Objects << " Reused : " << statistics.m_Reused << "\n";

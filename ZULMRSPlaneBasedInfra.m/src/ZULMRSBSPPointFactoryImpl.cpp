@@ -7,6 +7,7 @@
 #include <tbb/parallel_for_each.h>
 #include <tbb/task_group.h>
 
+#include "ZULExpFloatStatus.h"
 #include "ZULKLOOutput.h"
 #include "ZULMRSBSPFactoryReport.h"
 #include "ZULMRSBSPSharedPoints.h"
@@ -74,6 +75,7 @@ ZULMRSBSPPointFactoryImpl::~ZULMRSBSPPointFactoryImpl()
                  [](const TripleTable::value_type& entry) { ZULMRSBSPPoint::ReleaseObject(entry.second); });
     const auto elapsed =
         std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::steady_clock::now() - start);
+    const ZULExpFloatScope scope;
     ZULKLOOutput::GetOut() << " ~ZULMRSBSPPointFactoryImpl release time : "
                            << static_cast<float>(static_cast<double>(elapsed.count()) / 1e9) << "\n";
     ZULMRSBSPSharedPoints::ReleasePoints(m_CoordinatesTable);

@@ -502,6 +502,26 @@ TEST(ZULMRSBSPPlaneFactoryMemory, AFactoryThatCannotBeAllocatedIsNull)
     EXPECT_EQ(ZULMRSCreatePlaneFactory(true), nullptr);
 }
 
+#if ZUL_HAS_SSE2
+TEST(ZULMRSBSPPlaneFactoryReports, LeaveTheCallersControlWordAlone)
+{
+    for (const ZULExpProcessor::ControlWord word : ZULTest::HostileControlWords()) {
+        const auto left = ZULTest::RunUnder(word, [] {
+            const std::unique_ptr<ZULMRSBSPPlaneFactory> factory(ZULMRSCreatePlaneFactory(false));
+            bool isOpposite = false;
+            for (int i = 0; i < 3; ++i) {
+                factory->CreatePlane({1, 0, 0, i == 2 ? -0.1 : -0.3}, isOpposite, 0)->Release();
+                factory->CreatePlane({0.1, 0.7, 0, -0.3}, isOpposite, ZULMRSBSPCreatePlane_Quantize)
+                    ->Release();
+            }
+            factory->Tass();
+            factory->CreatePlane({1, 0, 0, -0.3}, isOpposite, 0)->Release();
+        });
+        EXPECT_EQ(left, word);
+    }
+}
+#endif
+
 TEST_F(ZULMRSBSPPlaneFactoryExact, ManyThreadsShareTheirPlanes)
 {
     constexpr int nbThreads = 4;

@@ -1,23 +1,28 @@
 #!/bin/sh
-# Measures the installed library beside its peers: scripts/bench.sh [--quick]. Sets up, builds and runs; the
-# tables go to build/bench/results.md and results.json. --quick: one short process per peer instead of three,
-# and none of the runs that take minutes.
+# Measures the installed library beside its peers: scripts/bench.sh [--quick] [--rounds=N]. Sets up, builds and
+# runs; the tables go to build/bench/results.md and results.json. Each peer runs in N processes, 3 unless said.
+# --quick: in one short one, and none of the runs that take minutes.
 set -eu
 cd "$(dirname "$0")/.."
-rounds="1 2 3"
+rounds=3
 options="--benchmark_min_time=0.02 --benchmark_repetitions=3"
-case "${1:-}" in
-    "") ;;
-    --quick)
-        rounds="1"
-        export ZUL_BENCH_QUICK=1
-        options="--benchmark_min_time=0.02"
-        ;;
-    *)
-        echo "usage: scripts/bench.sh [--quick]" >&2
-        exit 2
-        ;;
-esac
+while [ $# -gt 0 ]; do
+    case "$1" in
+        --quick)
+            rounds=1
+            export ZUL_BENCH_QUICK=1
+            options="--benchmark_min_time=0.02"
+            ;;
+        --rounds=[1-9])
+            rounds=${1#--rounds=}
+            ;;
+        *)
+            echo "usage: scripts/bench.sh [--quick] [--rounds=N]" >&2
+            exit 2
+            ;;
+    esac
+    shift
+done
 scripts/setup.sh bench
 
 out=$PWD/build/bench
@@ -53,7 +58,7 @@ for group in predicates cells; do
     echo "stages: $group"
     measure "$out/counting/bin/bench-zulmrs-$group" --benchmark_min_time=0.001 "$out/stages/$group"
 done
-for round in $rounds; do
+for round in $(seq "$rounds"); do
     # The runs that take minutes are made once.
     [ "$round" = 1 ] || export ZUL_BENCH_QUICK=1
     for program in "$out"/peers/bin/bench-*; do

@@ -63,12 +63,11 @@ inline ZULMRSBSPSign ExactByIntegers(const ZULMRSBSPPlane& plane, const ZULMRSBS
                : ZULMRSBSPSign::Undecided();
 }
 
-/// What the integers tell, in rising cost.
+/// The one, then the other.
 inline ZULMRSBSPSign SideByKeptIntegers(const ZULMRSBSPPlane& plane, const ZULMRSBSPPoint& point)
 {
-    return ZULMRSBSPStages::FirstDecided([&] { return ByIntegers(plane, point); },
-                                         [&] { return ExactByIntegers(plane, point); },
-                                         [&] { return ExactByRows(plane, point); });
+    const ZULMRSBSPSign sign = ByIntegers(plane, point);
+    return sign.IsDecided() ? sign : ExactByIntegers(plane, point);
 }
 
 [[gnu::noinline]] inline ZULMRSBSPSign ExactAtCoordinatesByRows(const ZULMRSBSPPlane& plane,
@@ -259,6 +258,10 @@ inline ZULMRSBSPSign ExactByPlanes(const ZULMRSBSPPlane& plane, const ZULMRSBSPP
 {
     if (point.GetP1() == nullptr || point.GetP2() == nullptr || point.GetP3() == nullptr) {
         return ZULMRSBSPSign::Undecided();
+    }
+    const ZULMRSBSPSign byRows = ExactByRows(plane, point);
+    if (byRows.IsDecided()) {
+        return byRows;
     }
     const RepresentationVerdict interval = IntervalByRepresentation(plane, point);
     if (interval.m_Sign.IsDecided()) {
